@@ -1,0 +1,261 @@
+#include "QtPlatform.h"
+
+#include <QAbstractButton>
+#include <QApplication>
+#include <QClipboard>
+#include <QDesktopServices>
+#include <QEvent>
+#include <QFileDialog>
+#include <QInputDialog>
+#include <QMessageBox>
+#include <QPointer>
+#include <QPushButton>
+#include <QScreen>
+#include <QThread>
+#include <QUrl>
+
+#include <cstdio>
+#include <cstdlib>
+
+namespace zkr {
+
+namespace {
+
+// One-shot: moves the watched box on its first show, then removes itself.
+class PlaceOnShow : public QObject {
+public:
+    PlaceOnShow(QDialog &box, std::optional<QPoint> topLeft)
+        : QObject(&box), box_(&box), topLeft_(topLeft) {}
+
+    bool eventFilter(QObject *watched, QEvent *event) override {
+        if (watched == box_ && event->type() == QEvent::Show) {
+            box_->adjustSize();
+            QPoint target;
+            if (topLeft_) {
+                target = *topLeft_;
+            } else {
+                QWidget *over = QApplication::activeWindow();
+                const QRect area = over != nullptr && over != box_
+                                       ? over->frameGeometry()
+                                       : box_->screen()->availableGeometry();
+                const QSize size = box_->frameGeometry().size();
+                target = QPoint(area.left() + area.width() / 2 - size.width() / 2,
+                                area.top() + area.height() / 2 - size.height() / 2);
+            }
+            box_->move(target);
+            box_->removeEventFilter(this);
+            deleteLater();
+        }
+        return false;
+    }
+
+private:
+    QPointer<QDialog> box_;
+    std::optional<QPoint> topLeft_;
+};
+
+QString programTitle(const QString &title) {
+    // An empty title shows the application's name, as the desktop would.
+    return title.isEmpty() ? QApplication::applicationName() : title;
+}
+
+} // namespace
+
+void QtPlatform::armBoxPlacement(std::optional<QPoint> topLeft) {
+    armed_ = true;
+    armedTopLeft_ = topLeft;
+}
+
+void QtPlatform::placeWhenShown(QDialog &box) {
+    if (!armed_) {
+        return;
+    }
+    armed_ = false;
+    box.installEventFilter(new PlaceOnShow(box, armedTopLeft_));
+}
+
+int QtPlatform::messageBox(const QString &text, int buttons, const QString &title) {
+    QMessageBox box(QApplication::activeWindow());
+    box.setWindowTitle(programTitle(title));
+    box.setText(text);
+    box.setTextFormat(Qt::PlainText);
+    switch (buttons & 0x70) {
+    case MsgButtons::Critical:
+        box.setIcon(QMessageBox::Critical);
+        break;
+    case MsgButtons::Question:
+        box.setIcon(QMessageBox::Question);
+        break;
+    case MsgButtons::Exclamation:
+        box.setIcon(QMessageBox::Warning);
+        break;
+    case MsgButtons::Information:
+        box.setIcon(QMessageBox::Information);
+        break;
+    default:
+        box.setIcon(QMessageBox::NoIcon);
+        break;
+    }
+
+    struct Choice {
+        QAbstractButton *button;
+        int result;
+    };
+    std::vector<Choice> choices;
+    auto standard = [&](QMessageBox::StandardButton which, int result) {
+        choices.push_back(Choice{box.addButton(which), result});
+    };
+    auto custom = [&](const char *caption, QMessageBox::ButtonRole role, int result) {
+        choices.push_back(
+            Choice{box.addButton(QApplication::translate("QtPlatform", caption), role), result});
+    };
+    switch (buttons & 7) {
+    case MsgButtons::OkCancel:
+        standard(QMessageBox::Ok, MsgResult::Ok);
+        standard(QMessageBox::Cancel, MsgResult::Cancel);
+        break;
+    case MsgButtons::AbortRetryIgnore:
+        standard(QMessageBox::Abort, MsgResult::Abort);
+        standard(QMessageBox::Retry, MsgResult::Retry);
+        standard(QMessageBox::Ignore, MsgResult::Ignore);
+        break;
+    case MsgButtons::YesNoCancel:
+        standard(QMessageBox::Yes, MsgResult::Yes);
+        standard(QMessageBox::No, MsgResult::No);
+        standard(QMessageBox::Cancel, MsgResult::Cancel);
+        break;
+    case MsgButtons::YesNo:
+        standard(QMessageBox::Yes, MsgResult::Yes);
+        standard(QMessageBox::No, MsgResult::No);
+        break;
+    case MsgButtons::RetryCancel:
+        standard(QMessageBox::Retry, MsgResult::Retry);
+        standard(QMessageBox::Cancel, MsgResult::Cancel);
+        break;
+    case MsgButtons::CancelTryAgainContinue:
+        standard(QMessageBox::Cancel, MsgResult::Cancel);
+        custom("&Try Again", QMessageBox::ActionRole, MsgResult::TryAgain);
+        custom("&Continue", QMessageBox::AcceptRole, MsgResult::Continue);
+        break;
+    default:
+        standard(QMessageBox::Ok, MsgResult::Ok);
+        break;
+    }
+    box.setDefaultButton(qobject_cast<QPushButton *>(choices.front().button));
+    placeWhenShown(box);
+    box.exec();
+    for (const Choice &choice : choices) {
+        if (box.clickedButton() == choice.button) {
+            return choice.result;
+        }
+    }
+    // Closed by Escape or the frame: the box's cancel answer if it has one.
+    for (const Choice &choice : choices) {
+        if (choice.result == MsgResult::Cancel || choice.result == MsgResult::No) {
+            return choice.result;
+        }
+    }
+    return choices.front().result;
+}
+
+std::optional<QString> QtPlatform::inputBox(const QString &prompt, const QString &title,
+                                            const QString &defaultText) {
+    QInputDialog box(QApplication::activeWindow());
+    box.setWindowTitle(programTitle(title));
+    box.setLabelText(prompt);
+    box.setTextValue(defaultText);
+    box.setInputMode(QInputDialog::TextInput);
+    placeWhenShown(box);
+    if (box.exec() != QDialog::Accepted) {
+        return std::nullopt;
+    }
+    return box.textValue();
+}
+
+void QtPlatform::beep(int, int) {
+    QApplication::beep();
+}
+
+QString QtPlatform::toQtFilter(const QString &filter, int filterIndex, QString *selected) {
+    const QStringList parts = filter.split(QLatin1Char('|'));
+    QStringList qtFilters;
+    for (qsizetype i = 0; i + 1 < parts.size(); i += 2) {
+        QStringList patterns = parts.at(i + 1).split(QLatin1Char(';'), Qt::SkipEmptyParts);
+        for (QString &pattern : patterns) {
+            if (pattern == QLatin1String("*.*")) {
+                pattern = QStringLiteral("*");
+            }
+        }
+        qtFilters.append(parts.at(i) + QStringLiteral(" (") + patterns.join(QLatin1Char(' ')) +
+                         QLatin1Char(')'));
+    }
+    if (selected != nullptr && filterIndex >= 1 && filterIndex <= qtFilters.size()) {
+        *selected = qtFilters.at(filterIndex - 1);
+    }
+    return qtFilters.join(QStringLiteral(";;"));
+}
+
+QString QtPlatform::openFileDialog(const FileDialogRequest &request) {
+    QFileDialog dialog(QApplication::activeWindow(), request.title, request.initialFolder);
+    QString selected;
+    dialog.setNameFilter(toQtFilter(request.filter, request.filterIndex, &selected));
+    if (!selected.isEmpty()) {
+        dialog.selectNameFilter(selected);
+    }
+    dialog.setFileMode(request.mustExist ? QFileDialog::ExistingFile : QFileDialog::AnyFile);
+    dialog.setAcceptMode(QFileDialog::AcceptOpen);
+    if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) {
+        return QString();
+    }
+    return dialog.selectedFiles().constFirst();
+}
+
+bool QtPlatform::openUrl(const QString &url) {
+    return QDesktopServices::openUrl(QUrl(url));
+}
+
+void QtPlatform::processEvents() {
+    QCoreApplication::processEvents();
+}
+
+void QtPlatform::sleep(int milliseconds) {
+    QThread::msleep(static_cast<unsigned long>(milliseconds));
+}
+
+void QtPlatform::clearClipboard() {
+    QGuiApplication::clipboard()->clear();
+}
+
+void QtPlatform::setClipboardText(const QString &text) {
+    QGuiApplication::clipboard()->setText(text);
+}
+
+QString QtPlatform::environmentValue(const QString &name) {
+    return qEnvironmentVariable(name.toLocal8Bit().constData());
+}
+
+QString QtPlatform::applicationFolder() {
+    return QCoreApplication::applicationDirPath();
+}
+
+QString QtPlatform::commandLine() {
+    QStringList arguments = QCoreApplication::arguments();
+    if (!arguments.isEmpty()) {
+        arguments.removeFirst();
+    }
+    return arguments.join(QLatin1Char(' '));
+}
+
+QSize QtPlatform::screenSize() {
+    const QScreen *screen = QGuiApplication::primaryScreen();
+    return screen != nullptr ? screen->geometry().size() : QSize(1024, 768);
+}
+
+void QtPlatform::endProgram(int exitCode) {
+    // Every setting was already written (each write is complete on disk), so
+    // the process can end here, as the program always did.
+    std::fflush(nullptr);
+    std::_Exit(exitCode);
+}
+
+} // namespace zkr

@@ -1,7 +1,7 @@
+#include "SpotLineParsing.h"
 #include "Int16Arithmetic.h"
 #include "ProgramState.h"
 #include "QtPrinters.h"
-#include "SpotLineParsing.h"
 
 #include <gtest/gtest.h>
 
@@ -75,26 +75,31 @@ TEST_P(ClusterColumns, CutsPreparedLineIntoFields) {
 INSTANTIATE_TEST_SUITE_P(
     Table, ClusterColumns,
     ::testing::Values(
-        ClusterCase{"plain", ClusterLine,
-                    {"SP9HWY:", 50.11f, "OH1XYZ", ClusterComment, "1712", "", ""}},
-        ClusterCase{"crlf", ClusterLine + QStringLiteral("\r\n"),
+        ClusterCase{
+            "plain", ClusterLine, {"SP9HWY:", 50.11f, "OH1XYZ", ClusterComment, "1712", "", ""}},
+        ClusterCase{"crlf",
+                    ClusterLine + QStringLiteral("\r\n"),
                     {"SP9HWY:", 50.11f, "OH1XYZ", ClusterComment, "1712", "", ""}},
         // Cut to 75 characters before the prefix goes: the time column is
         // still inside, the tail fields are empty.
-        ClusterCase{"long_line", ClusterLine + QString(125, QLatin1Char('X')),
+        ClusterCase{"long_line",
+                    ClusterLine + QString(125, QLatin1Char('X')),
                     {"SP9HWY:", 50.11f, "OH1XYZ", ClusterComment, "1712", "", ""}},
         // Without the prefix the same columns apply to the raw text.
-        ClusterCase{"no_prefix", QStringLiteral("To ALL de DL1ABC: good Es opening on 6m now"),
+        ClusterCase{"no_prefix",
+                    QStringLiteral("To ALL de DL1ABC: good Es opening on 6m now"),
                     {"To ALL de", 0.0f, "good Es open", "g on 6m now", "", "", ""}},
         // Frequency with leading blanks, kept to float precision.
-        ClusterCase{"microwave", clusterLine("DL1ABC", "1296012.5", "DL0XYZ", "JO62QM JO31", "0930"),
+        ClusterCase{"microwave",
+                    clusterLine("DL1ABC", "1296012.5", "DL0XYZ", "JO62QM JO31", "0930"),
                     {"DL1ABC:", 1296.0125f, "DL0XYZ", "JO62QM JO31                    093", "0930",
                      "", ""}},
         // The frequency column reaches into the DX call column: a call that
         // starts with a digit right after the two blanks adds to the number.
-        ClusterCase{"overlap", clusterLine("DL1ABC", "14074.0", "9A1A", "FT8", "0815"),
-                    {"DL1ABC:", static_cast<float>(14074.09 / 1000.0), "9A1A", "FT8                            081", "0815", "",
-                     ""}}),
+        ClusterCase{"overlap",
+                    clusterLine("DL1ABC", "14074.0", "9A1A", "FT8", "0815"),
+                    {"DL1ABC:", static_cast<float>(14074.09 / 1000.0), "9A1A",
+                     "FT8                            081", "0815", "", ""}}),
     [](const auto &caseInfo) { return std::string(caseInfo.param.name); });
 
 TEST(WebColumns, CutsAWebLineWithTailFields) {

@@ -1,6 +1,6 @@
+#include "TextFunctions.h"
 #include "QtPrinters.h"
 #include "RunTimeError.h"
-#include "TextFunctions.h"
 
 #include <gtest/gtest.h>
 
@@ -54,7 +54,7 @@ TEST(Mid, NeverFailsAndCountsFromOne) {
         int length;
         const char *expected;
     } cases[] = {
-        {1, 3, "ABC"}, {4, 10, "DEF"}, {6, 1, "F"}, {7, 1, ""}, {100, 5, ""},
+        {1, 3, "ABC"}, {4, 10, "DEF"}, {6, 1, "F"}, {7, 1, ""},  {100, 5, ""},
         {0, 3, ""},    {-2, 3, ""},    {2, 0, ""},  {2, -1, ""},
     };
     for (const Case &c : cases) {

@@ -1,9 +1,9 @@
+#include "Startup.h"
 #include "ProgramState.h"
 #include "QtPrinters.h"
 #include "ScriptedPlatform.h"
 #include "SiteDefaults.h"
 #include "SpotLineParsing.h"
-#include "Startup.h"
 #include "StartupWindow.h"
 
 #include <gmock/gmock.h>
@@ -106,7 +106,8 @@ TEST(Startup, SetsDefaultsAndConstants) {
     EXPECT_EQ(s.Telnet_Call, site::DefaultClusterCall);
     EXPECT_EQ(s.Telnet_Host, site::DefaultClusterHost);
     EXPECT_EQ(s.Telnet_Port, QStringLiteral("7300"));
-    EXPECT_TRUE(run.platform.log().isEmpty()) << run.platform.log().join(QLatin1Char('\n')).toStdString();
+    EXPECT_TRUE(run.platform.log().isEmpty())
+        << run.platform.log().join(QLatin1Char('\n')).toStdString();
 }
 
 TEST(Startup, RunsItsStepsInOrder) {
@@ -184,10 +185,11 @@ TEST(CommandLine, UnknownArgumentBeepsAndNamesItAsTyped) {
         StartupRun run;
         run.start(QString::fromLatin1(argument));
         EXPECT_EQ(run.state.RunMode, QStringLiteral("TELNETCLUSTER")) << argument;
-        EXPECT_THAT(run.platform.log(),
-                    ElementsAre(QStringLiteral("beep 800 200"),
-                                QStringLiteral("msgbox 0 \"ZKR_MUF\" \"") + QString::fromLatin1(argument) +
-                                    QStringLiteral(" unknown command, default setting is used !\" -> 1")));
+        EXPECT_THAT(
+            run.platform.log(),
+            ElementsAre(QStringLiteral("beep 800 200"),
+                        QStringLiteral("msgbox 0 \"ZKR_MUF\" \"") + QString::fromLatin1(argument) +
+                            QStringLiteral(" unknown command, default setting is used !\" -> 1")));
     }
 }
 
@@ -197,8 +199,8 @@ TEST(Startup, PlacesTheWindowFromTheSavedPosition) {
         const char *top;
         QPoint expected;
     } cases[] = {
-        {"", "", {460, 240}},  // centred on the 1920 x 1080 screen
-        {"", "0", {460, 0}},   // an empty left centres, "0" is the top edge
+        {"", "", {460, 240}}, // centred on the 1920 x 1080 screen
+        {"", "0", {460, 0}},  // an empty left centres, "0" is the top edge
         {"12", "34", {12, 34}},
         {"-1500", "20.5", {-1500, 20}}, // a window on a monitor to the left
     };

@@ -100,6 +100,8 @@ void MemoryPane::clear() {
     lastLineEnded_ = true;
     committedLength_ = 0;
     caret_ = 0;
+    linesAddedOnTop_ = 0;
+    longestLine_ = 0;
     ++revision_;
 }
 
@@ -132,9 +134,14 @@ void MemoryPane::commit() {
             top.runs = std::move(runs);
         }
     }
+    if (!lines_.empty()) {
+        longestLine_ = std::max(longestLine_, lines_.front().text.size());
+    }
     for (auto it = complete.rbegin(); it != complete.rend(); ++it) {
+        longestLine_ = std::max(longestLine_, it->text.size());
         lines_.push_front(std::move(*it));
     }
+    linesAddedOnTop_ += complete.size();
     committedLength_ += block_.size();
     block_.clear();
     blockRuns_.clear();
@@ -157,6 +164,9 @@ void MemoryPane::uncommitThrough(std::int64_t offset) {
     while (offset > block_.size() && !lines_.empty()) {
         PaneLine top = std::move(lines_.front());
         lines_.pop_front();
+        if (linesAddedOnTop_ > 0) {
+            --linesAddedOnTop_;
+        }
         const bool ended = !lines_.empty() || lastLineEnded_;
         if (lines_.empty()) {
             lastLineEnded_ = true;

@@ -56,6 +56,11 @@ public:
     std::int64_t maxLines() const { return maxLines_; }
     // Counts every change of the committed lines, for views.
     std::uint64_t revision() const { return revision_; }
+    // Lines ever put on top since the last clear: a view scrolled down to
+    // older lines moves by the difference to keep showing them.
+    std::uint64_t linesAddedOnTop() const { return linesAddedOnTop_; }
+    // The longest committed line seen since the last clear, in characters.
+    qsizetype longestLine() const { return longestLine_; }
 
     // The whole text, uncommitted block included.
     QString text() const;
@@ -75,6 +80,8 @@ private:
     std::int64_t maxLines_;
     int caret_ = 0;
     std::uint64_t revision_ = 0;
+    std::uint64_t linesAddedOnTop_ = 0;
+    qsizetype longestLine_ = 0;
 };
 
 } // namespace zkr

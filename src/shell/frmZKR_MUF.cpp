@@ -223,7 +223,6 @@ QWidget *frmZKR_MUF::workingPane(int index) const {
 frmInfo &frmZKR_MUF::aboutWindow() {
     if (info_ == nullptr) {
         info_ = new frmInfo(state_, platform_, this);
-        info_->setWindowFlag(Qt::Window);
     }
     return *info_;
 }

@@ -129,9 +129,9 @@ void Locator_To_LatLon(QString &locator, double &latitude, double &longitude) {
         locator = locator.left(4) + QLatin1String("LL");
     }
     if (locator.size() < 6) {
-        // The locator's characters are read one by one; a short text has no
-        // fifth and sixth.
-        throw RunTimeError(RunTimeError::SubscriptOutOfRange);
+        // The six characters are read one by one; the code of a missing one
+        // is an invalid argument.
+        throw RunTimeError(RunTimeError::InvalidArgument);
     }
     const std::int16_t lonField = toInt16(toInt16(toInt16(code(locator[0]) - 65) * 20LL) - 180LL);
     longitude = lonField + 2.0 * digitValue(locator[2]);

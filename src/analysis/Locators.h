@@ -22,8 +22,9 @@ void Find_Locators(ProgramState &state);
 // A locator ending in "??" is first rewritten, in the caller's text, to its
 // square followed by "LL": a square alone is taken at the centre of its
 // subsquare LL, slightly south-west of the square's centre. Throws
-// RunTimeError for a locator shorter than six characters (after that
-// rewrite) or with character codes that overflow the 16-bit field
+// RunTimeError(InvalidArgument) for a locator shorter than six characters
+// (after that rewrite), so also for a four-character own locator, and
+// RunTimeError(Overflow) for character codes that overflow the 16-bit field
 // arithmetic.
 void Locator_To_LatLon(QString &locator, double &latitude, double &longitude);
 

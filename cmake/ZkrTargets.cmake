@@ -1,12 +1,16 @@
 # Shared compile settings for every target of the project.
+# Tests skip the Qt cast guards so that test tables can use plain literals.
 function(zkr_strict target)
+  cmake_parse_arguments(S "TEST" "" "" ${ARGN})
   target_compile_options(${target} PRIVATE -Wall -Wextra -Wpedantic -Wshadow
                                            -Wnon-virtual-dtor -Woverloaded-virtual)
   if(ZKR_WARNINGS_AS_ERRORS)
     target_compile_options(${target} PRIVATE -Werror)
   endif()
-  target_compile_definitions(${target} PRIVATE QT_NO_KEYWORDS QT_NO_CAST_FROM_ASCII
-                                               QT_NO_CAST_TO_ASCII)
+  target_compile_definitions(${target} PRIVATE QT_NO_KEYWORDS)
+  if(NOT S_TEST)
+    target_compile_definitions(${target} PRIVATE QT_NO_CAST_FROM_ASCII QT_NO_CAST_TO_ASCII)
+  endif()
 endfunction()
 
 # Makes any include of the named Qt modules an error in `target`, also the

@@ -109,7 +109,8 @@ bool Check_Locator(ProgramState &state, const QString &locator) {
         wrong = true;
     } else if (locator.size() == 4) {
         wrong = false;
-    } else if (locator.size() == 6 && within(locator[4], 'A', 'X') && within(locator[5], 'A', 'X')) {
+    } else if (locator.size() == 6 && within(locator[4], 'A', 'X') &&
+               within(locator[5], 'A', 'X')) {
         wrong = false;
     } else {
         wrong = true;

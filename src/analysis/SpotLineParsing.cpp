@@ -94,7 +94,8 @@ void Trim_SpotLines(ProgramState &state) {
         const std::int16_t upper =
             toInt16(static_cast<long long>(state.MaxSpotLines) - (state.SpotLine_Count - 1));
         state.SpotLines.resize(std::max<int>(upper, 0) + 1);
-        state.SpotLine_Count = toInt16(static_cast<long long>(state.MaxSpotLines) - state.SpotLine_Count + 1);
+        state.SpotLine_Count =
+            toInt16(static_cast<long long>(state.MaxSpotLines) - state.SpotLine_Count + 1);
     }
     state.Busy = false;
 }

@@ -5,6 +5,7 @@
 #include <charconv>
 #include <cmath>
 #include <string>
+#include <string_view>
 
 namespace zkr {
 
@@ -83,14 +84,16 @@ double leadingNumber(QStringView text) {
     }
     double value = 0;
     const auto [end, error] = std::from_chars(begin, number.data() + number.size(), value);
-    if (error == std::errc::result_out_of_range && std::isinf(value)) {
-        throw RunTimeError(RunTimeError::Overflow);
-    }
-    if (error != std::errc()) {
-        // Out of range towards zero (too many leading zero decimals): zero.
+    (void)end;
+    if (error == std::errc::result_out_of_range) {
+        // Too large, or so small that only zero is left: the integer part
+        // tells which.
+        const auto integer = std::string_view(begin).substr(0, std::string_view(begin).find('.'));
+        if (integer.find_first_not_of("+-0") != std::string_view::npos) {
+            throw RunTimeError(RunTimeError::Overflow);
+        }
         return 0;
     }
-    (void)end;
     return value;
 }
 

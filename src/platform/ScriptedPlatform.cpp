@@ -77,8 +77,9 @@ QString ScriptedPlatform::openFileDialog(const FileDialogRequest &request) {
 }
 
 bool ScriptedPlatform::openUrl(const QString &url) {
-    log_.append(QStringLiteral("openurl %1 -> %2")
-                    .arg(quoted(url), openUrlResult_ ? QStringLiteral("ok") : QStringLiteral("fail")));
+    log_.append(
+        QStringLiteral("openurl %1 -> %2")
+            .arg(quoted(url), openUrlResult_ ? QStringLiteral("ok") : QStringLiteral("fail")));
     return openUrlResult_;
 }
 

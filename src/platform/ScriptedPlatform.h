@@ -18,10 +18,14 @@ public:
     // first button of its set (OK, Abort, Yes, Cancel ...); an input box
     // without one gets Cancel; a file dialog without one gets "".
     void answerMessageBox(int result) { messageAnswers_.push_back(result); }
-    void answerInputBox(std::optional<QString> answer) { inputAnswers_.push_back(std::move(answer)); }
+    void answerInputBox(std::optional<QString> answer) {
+        inputAnswers_.push_back(std::move(answer));
+    }
     void answerFileDialog(const QString &fileName) { fileAnswers_.push_back(fileName); }
     void setOpenUrlResult(bool ok) { openUrlResult_ = ok; }
-    void setEnvironmentValue(const QString &name, const QString &value) { environment_[name] = value; }
+    void setEnvironmentValue(const QString &name, const QString &value) {
+        environment_[name] = value;
+    }
     void setApplicationFolder(const QString &folder) { applicationFolder_ = folder; }
     void setCommandLine(const QString &text) { commandLine_ = text; }
     void setScreenSize(QSize size) { screenSize_ = size; }

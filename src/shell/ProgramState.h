@@ -146,7 +146,9 @@ struct ProgramState {
     QString Es_Flag;
 
     // Entry `entry` (1 to 15) of SpotLine_Columns.
-    std::int16_t column(int entry) const { return SpotLine_Columns.at(static_cast<std::size_t>(entry - 1)); }
+    std::int16_t column(int entry) const {
+        return SpotLine_Columns.at(static_cast<std::size_t>(entry - 1));
+    }
 };
 
 } // namespace zkr

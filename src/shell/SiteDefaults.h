@@ -22,7 +22,8 @@ inline const QString Db0suePort = QStringLiteral("8000");
 // The web spot service: its base address (shown after "Listen to ") and
 // the spot list of the last 200 spots.
 inline const QString WebClusterBase = QStringLiteral("http://www.dxsummit.fi");
-inline const QString WebClusterUrl = WebClusterBase + QStringLiteral("/DxSpots.aspx?count=200&range=3");
+inline const QString WebClusterUrl =
+    WebClusterBase + QStringLiteral("/DxSpots.aspx?count=200&range=3");
 
 // Our own pages: placeholders until the project has its own site.
 inline const QString DownloadPageUrl = QStringLiteral("https://zkr-muf.example.org/download.html");

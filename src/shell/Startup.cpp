@@ -36,13 +36,15 @@ int coordinate(const QString &saved, int screenExtent, int windowExtent) {
 
 } // namespace
 
-QPoint Main_WindowPosition(const QString &posLeft, const QString &posTop, QSize screen, QSize window) {
+QPoint Main_WindowPosition(const QString &posLeft, const QString &posTop, QSize screen,
+                           QSize window) {
     return QPoint(coordinate(posLeft, screen.width(), window.width()),
                   coordinate(posTop, screen.height(), window.height()));
 }
 
 bool Is_DeveloperWorkstation(const QString &computerName) {
-    return computerName == site::DeveloperWorkstation1 || computerName == site::DeveloperWorkstation2;
+    return computerName == site::DeveloperWorkstation1 ||
+           computerName == site::DeveloperWorkstation2;
 }
 
 void Apply_CommandLine(ProgramState &state, Platform &platform, const QString &arguments) {
@@ -64,7 +66,8 @@ void Apply_CommandLine(ProgramState &state, Platform &platform, const QString &a
         state.RunMode = FileMode;
     } else {
         platform.beep(800, 200);
-        platform.messageBox(arguments + QStringLiteral(" unknown command, default setting is used !"),
+        platform.messageBox(arguments +
+                                QStringLiteral(" unknown command, default setting is used !"),
                             MsgButtons::OkOnly, QStringLiteral("ZKR_MUF"));
     }
 }
@@ -143,7 +146,8 @@ void Form_Load(ProgramState &s, Platform &platform, StartupWindow &window) {
     }
 
     // 17-20.
-    window.showOwnCallLabels(QStringLiteral("CALL ") + s.OwnCall, QStringLiteral("LOC ") + s.OwnLocator);
+    window.showOwnCallLabels(QStringLiteral("CALL ") + s.OwnCall,
+                             QStringLiteral("LOC ") + s.OwnLocator);
     window.selectTab(static_cast<int>(roundHalfEven(leadingNumber(s.Pos_SSTab))));
     window.setSetupSaveEnabled(false);
     s.Web_Offline = true;

@@ -24,7 +24,8 @@ void Apply_CommandLine(ProgramState &state, Platform &platform, const QString &a
 // Where the main window goes: the saved left/top, or centred on the screen
 // for an empty value. Throws RunTimeError(Overflow) for a saved value that
 // is no usable coordinate.
-QPoint Main_WindowPosition(const QString &posLeft, const QString &posTop, QSize screen, QSize window);
+QPoint Main_WindowPosition(const QString &posLeft, const QString &posTop, QSize screen,
+                           QSize window);
 
 bool Is_DeveloperWorkstation(const QString &computerName);
 

@@ -1,0 +1,41 @@
+#!/usr/bin/env bash
+# Installs what is missing (Debian packages), builds, then runs the program
+# ("run", extra arguments go to the program) or the whole test suite ("test").
+set -euo pipefail
+cd "$(dirname "$0")"
+
+packages=(build-essential cmake ninja-build pkg-config qt6-base-dev libgl-dev
+          libgtest-dev libgmock-dev libbenchmark-dev libhamlib-dev libgeographiclib-dev
+          fontconfig fonts-dejavu-core xvfb xauth)
+
+missing=()
+for package in "${packages[@]}"; do
+    dpkg-query -W -f='${Status}' "$package" 2>/dev/null | grep -q "install ok installed" ||
+        missing+=("$package")
+done
+if ((${#missing[@]})); then
+    sudo=""
+    [ "$(id -u)" -eq 0 ] || sudo="sudo"
+    $sudo apt-get update -qq
+    DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y -qq "${missing[@]}"
+fi
+
+mode="${1:-run}"
+[ $# -gt 0 ] && shift
+build_dir="${ZKR_BUILD_DIR:-build}"
+cmake -S . -B "$build_dir" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DZKR_WARNINGS_AS_ERRORS=ON
+cmake --build "$build_dir" -j "$(nproc)"
+
+case "$mode" in
+run)
+    exec "$build_dir/bin/zkr_muf" "$@"
+    ;;
+test)
+    cd "$build_dir"
+    QT_QPA_PLATFORM=offscreen ctest --no-tests=error --output-on-failure -j "$(nproc)" "$@"
+    ;;
+*)
+    echo "usage: $0 [run|test] [arguments]" >&2
+    exit 2
+    ;;
+esac

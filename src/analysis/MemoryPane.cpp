@@ -1,0 +1,199 @@
+#include "MemoryPane.h"
+
+#include <algorithm>
+#include <limits>
+
+namespace zkr {
+
+namespace {
+
+const QString LineEnd = QStringLiteral("\r\n");
+
+// Inserts a run of `length` characters at `offset` into `runs`, splitting the
+// run it falls into, and merges it with equally coloured neighbours.
+void insertRun(std::vector<ColourRun> &runs, std::int64_t offset, std::int32_t length,
+               std::uint32_t colour) {
+    std::size_t i = 0;
+    std::int64_t start = 0;
+    while (i < runs.size() && start + runs[i].length <= offset) {
+        start += runs[i].length;
+        ++i;
+    }
+    if (i < runs.size() && offset > start) {
+        const std::int32_t head = static_cast<std::int32_t>(offset - start);
+        if (runs[i].colour == colour) {
+            runs[i].length += length;
+            return;
+        }
+        const ColourRun tail{runs[i].length - head, runs[i].colour};
+        runs[i].length = head;
+        runs.insert(runs.begin() + static_cast<std::ptrdiff_t>(i) + 1,
+                    {ColourRun{length, colour}, tail});
+        return;
+    }
+    if (i > 0 && runs[i - 1].colour == colour) {
+        runs[i - 1].length += length;
+    } else if (i < runs.size() && runs[i].colour == colour) {
+        runs[i].length += length;
+    } else {
+        runs.insert(runs.begin() + static_cast<std::ptrdiff_t>(i), ColourRun{length, colour});
+    }
+}
+
+// Cuts the first `count` characters' runs off `runs` and returns them.
+std::vector<ColourRun> takeRuns(std::vector<ColourRun> &runs, std::int64_t count) {
+    std::vector<ColourRun> taken;
+    std::size_t i = 0;
+    while (count > 0 && i < runs.size()) {
+        if (runs[i].length <= count) {
+            taken.push_back(runs[i]);
+            count -= runs[i].length;
+            ++i;
+        } else {
+            taken.push_back({static_cast<std::int32_t>(count), runs[i].colour});
+            runs[i].length -= static_cast<std::int32_t>(count);
+            count = 0;
+        }
+    }
+    runs.erase(runs.begin(), runs.begin() + static_cast<std::ptrdiff_t>(i));
+    return taken;
+}
+
+void appendRuns(std::vector<ColourRun> &to, const std::vector<ColourRun> &from) {
+    for (const ColourRun &run : from) {
+        if (run.length <= 0) {
+            continue;
+        }
+        if (!to.empty() && to.back().colour == run.colour) {
+            to.back().length += run.length;
+        } else {
+            to.push_back(run);
+        }
+    }
+}
+
+} // namespace
+
+MemoryPane::MemoryPane(std::int64_t maxLines) : maxLines_(std::max<std::int64_t>(maxLines, 1)) {}
+
+void MemoryPane::setCaret(int position) {
+    const std::int64_t clamped = std::clamp<std::int64_t>(position, 0, length());
+    caret_ = static_cast<int>(std::min<std::int64_t>(clamped, std::numeric_limits<int>::max()));
+}
+
+void MemoryPane::insertColored(QStringView text, std::uint32_t colour) {
+    if (text.isEmpty()) {
+        return;
+    }
+    if (caret_ > block_.size()) {
+        uncommitThrough(caret_);
+    }
+    block_.insert(caret_, text);
+    insertRun(blockRuns_, caret_, static_cast<std::int32_t>(text.size()), colour);
+    setCaret(static_cast<int>(caret_ + text.size()));
+}
+
+void MemoryPane::clear() {
+    block_.clear();
+    blockRuns_.clear();
+    lines_.clear();
+    lastLineEnded_ = true;
+    committedLength_ = 0;
+    caret_ = 0;
+    linesAddedOnTop_ = 0;
+    longestLine_ = 0;
+    ++revision_;
+}
+
+void MemoryPane::commit() {
+    if (block_.isEmpty()) {
+        return;
+    }
+    // Complete lines of the block go on top in their order; a last piece
+    // without line end joins the front of the line that was on top.
+    std::vector<PaneLine> complete;
+    qsizetype from = 0;
+    for (qsizetype end = block_.indexOf(LineEnd); end >= 0; end = block_.indexOf(LineEnd, from)) {
+        PaneLine line;
+        line.text = block_.mid(from, end - from);
+        line.runs = takeRuns(blockRuns_, end - from);
+        takeRuns(blockRuns_, LineEnd.size());
+        complete.push_back(std::move(line));
+        from = end + LineEnd.size();
+    }
+    if (from < block_.size()) {
+        const QString rest = block_.mid(from);
+        if (lines_.empty()) {
+            lines_.push_front(PaneLine{rest, std::move(blockRuns_)});
+            lastLineEnded_ = false;
+        } else {
+            PaneLine &top = lines_.front();
+            top.text.prepend(rest);
+            std::vector<ColourRun> runs = std::move(blockRuns_);
+            appendRuns(runs, top.runs);
+            top.runs = std::move(runs);
+        }
+    }
+    if (!lines_.empty()) {
+        longestLine_ = std::max(longestLine_, lines_.front().text.size());
+    }
+    for (auto it = complete.rbegin(); it != complete.rend(); ++it) {
+        longestLine_ = std::max(longestLine_, it->text.size());
+        lines_.push_front(std::move(*it));
+    }
+    linesAddedOnTop_ += complete.size();
+    committedLength_ += block_.size();
+    block_.clear();
+    blockRuns_.clear();
+    dropOldestLines();
+    ++revision_;
+}
+
+void MemoryPane::dropOldestLines() {
+    while (static_cast<std::int64_t>(lines_.size()) > maxLines_) {
+        committedLength_ -= lines_.back().text.size() + (lastLineEnded_ ? LineEnd.size() : 0);
+        lines_.pop_back();
+        lastLineEnded_ = true;
+    }
+    setCaret(caret_);
+}
+
+void MemoryPane::uncommitThrough(std::int64_t offset) {
+    // Rare: printing below the newest block. Bring the lines above the
+    // offset back into the block, so the insert itself stays simple.
+    while (offset > block_.size() && !lines_.empty()) {
+        PaneLine top = std::move(lines_.front());
+        lines_.pop_front();
+        if (linesAddedOnTop_ > 0) {
+            --linesAddedOnTop_;
+        }
+        const bool ended = !lines_.empty() || lastLineEnded_;
+        if (lines_.empty()) {
+            lastLineEnded_ = true;
+        }
+        const qsizetype size = top.text.size() + (ended ? LineEnd.size() : 0);
+        block_ += top.text;
+        appendRuns(blockRuns_, top.runs);
+        if (ended) {
+            block_ += LineEnd;
+            // Line ends are part of the block's runs; their colour never shows.
+            appendRuns(blockRuns_, {ColourRun{static_cast<std::int32_t>(LineEnd.size()), 0}});
+        }
+        committedLength_ -= size;
+    }
+    ++revision_;
+}
+
+QString MemoryPane::text() const {
+    QString all = block_;
+    all.reserve(static_cast<qsizetype>(length()));
+    for (std::size_t i = 0; i < lines_.size(); ++i) {
+        all += lines_[i].text;
+        if (i + 1 < lines_.size() || lastLineEnded_) {
+            all += LineEnd;
+        }
+    }
+    return all;
+}
+
+} // namespace zkr

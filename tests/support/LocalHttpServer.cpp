@@ -1,0 +1,81 @@
+#include "LocalHttpServer.h"
+
+#include <QPointer>
+#include <QTcpServer>
+#include <QTcpSocket>
+#include <QTimer>
+
+LocalHttpServer::LocalHttpServer(QObject *parent) : QObject(parent), server_(new QTcpServer(this)) {
+    server_->listen(QHostAddress::LocalHost, 0);
+    connect(server_, &QTcpServer::newConnection, this, &LocalHttpServer::onNewConnection);
+}
+
+LocalHttpServer::~LocalHttpServer() = default;
+
+quint16 LocalHttpServer::port() const {
+    return server_->serverPort();
+}
+
+QString LocalHttpServer::url(const QString &path) const {
+    return QStringLiteral("http://127.0.0.1:%1%2").arg(port()).arg(path);
+}
+
+void LocalHttpServer::onNewConnection() {
+    while (QTcpSocket *socket = server_->nextPendingConnection()) {
+        socket->setParent(this);
+        connect(socket, &QTcpSocket::readyRead, this, [this, socket] { onReadyRead(socket); });
+        connect(socket, &QTcpSocket::disconnected, socket, &QObject::deleteLater);
+    }
+}
+
+void LocalHttpServer::onReadyRead(QTcpSocket *socket) {
+    const QByteArray buffer = socket->property("request").toByteArray() + socket->readAll();
+    const qsizetype end = buffer.indexOf("\r\n\r\n");
+    if (end < 0) {
+        socket->setProperty("request", buffer);
+        return;
+    }
+    socket->setProperty("request", QByteArray());
+    const QList<QByteArray> lines = buffer.left(end).split('\n');
+    const QList<QByteArray> requestLine = lines.value(0).trimmed().split(' ');
+    const QString path = QString::fromLatin1(requestLine.value(1));
+    for (const QByteArray &line : lines) {
+        if (line.toLower().startsWith("user-agent:")) {
+            lastUserAgent_ = line.mid(11).trimmed();
+        }
+    }
+    counts_[path] += 1;
+    Response response;
+    if (responses_.contains(path)) {
+        response = responses_.value(path);
+    } else {
+        response.status = 404;
+        response.body = "<html><body>not found</body></html>";
+    }
+    if (response.neverAnswer) {
+        return;
+    }
+    if (response.delayMs > 0) {
+        QPointer<QTcpSocket> guarded(socket);
+        QTimer::singleShot(response.delayMs, this, [this, guarded, response] {
+            if (guarded) {
+                answer(guarded, response);
+            }
+        });
+        return;
+    }
+    answer(socket, response);
+}
+
+void LocalHttpServer::answer(QTcpSocket *socket, const Response &response) {
+    QByteArray head = "HTTP/1.1 " + QByteArray::number(response.status) + " Status\r\n";
+    head += "Content-Type: " + response.contentType + "\r\n";
+    head += "Content-Length: " + QByteArray::number(response.body.size()) + "\r\n";
+    if (!response.location.isEmpty()) {
+        head += "Location: " + response.location + "\r\n";
+    }
+    head += "Connection: close\r\n\r\n";
+    socket->write(head);
+    socket->write(response.truncate ? response.body.left(response.body.size() / 2) : response.body);
+    socket->disconnectFromHost();
+}

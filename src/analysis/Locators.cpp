@@ -15,18 +15,14 @@ bool within(QChar c, char from, char to) {
     return c.unicode() >= static_cast<char16_t>(from) && c.unicode() <= static_cast<char16_t>(to);
 }
 
-bool squareAt(QStringView text, qsizetype i) {
-    return within(text[i], 'A', 'R') && within(text[i + 1], 'A', 'R') &&
-           within(text[i + 2], '0', '9') && within(text[i + 3], '0', '9');
+
+bool within(char16_t c, char16_t from, char16_t to) {
+    return c >= from && c <= to;
 }
 
-bool locatorAt(QStringView text, qsizetype i, qsizetype length) {
-    if (i + length > text.size() || !squareAt(text, i)) {
-        return false;
-    }
-    // The search takes any letter as subsquare; only the own-locator check
-    // is strict about A-X.
-    return length == 4 || (within(text[i + 4], 'A', 'Z') && within(text[i + 5], 'A', 'Z'));
+bool squareAt(const char16_t *text) {
+    return within(text[0], u'A', u'R') && within(text[1], u'A', u'R') &&
+           within(text[2], u'0', u'9') && within(text[3], u'0', u'9');
 }
 
 void trimBlanksInPlace(QString &text) {
@@ -44,30 +40,59 @@ void trimBlanksInPlace(QString &text) {
     }
 }
 
-// Cuts the first locator of `length` characters out of `text` and trims
-// what is left; "" when there is none.
-QString cutLocator(QString &text, qsizetype length) {
-    const QStringView view(text);
-    for (qsizetype i = 0; i + length <= view.size(); ++i) {
-        if (locatorAt(view, i, length)) {
-            QString found = view.mid(i, length).toString();
-            text.remove(i, length);
-            trimBlanksInPlace(text);
-            return found;
-        }
+// Sets `target` to the six characters, in its own storage when it has some.
+void assignSix(QString &target, const char16_t *characters) {
+    target.resize(6);
+    QChar *data = target.data();
+    for (int i = 0; i < 6; ++i) {
+        data[i] = QChar(characters[i]);
     }
-    return QString();
 }
 
-QString takeLocator(QString &text) {
-    QString locator = cutLocator(text, 6);
-    if (locator.isEmpty()) {
-        locator = cutLocator(text, 4);
-        if (!locator.isEmpty()) {
-            locator += QLatin1String("??");
+void makeEmpty(QString &target) {
+    if (target.isDetached()) {
+        target.truncate(0);
+    } else {
+        target.clear();
+    }
+}
+
+// Moves the first locator of `text` into `locator`: a six-character one
+// anywhere in the text comes first, else the first square, completed with
+// "??". The locator is cut out and the rest trimmed. Both patterns are
+// looked for in one pass. Returns false, with `locator` empty, when there
+// is none.
+bool takeLocator(QString &text, QString &locator) {
+    const char16_t *chars = reinterpret_cast<const char16_t *>(text.utf16());
+    const qsizetype size = text.size();
+    qsizetype square = -1;
+    for (qsizetype i = 0; i + 4 <= size; ++i) {
+        if (!squareAt(chars + i)) {
+            continue;
+        }
+        // The search takes any letter as subsquare; only the own-locator
+        // check is strict about A-X.
+        if (i + 6 <= size && within(chars[i + 4], u'A', u'Z') &&
+            within(chars[i + 5], u'A', u'Z')) {
+            assignSix(locator, chars + i);
+            text.remove(i, 6);
+            trimBlanksInPlace(text);
+            return true;
+        }
+        if (square < 0) {
+            square = i;
         }
     }
-    return locator;
+    if (square < 0) {
+        makeEmpty(locator);
+        return false;
+    }
+    const char16_t completed[6] = {chars[square], chars[square + 1], chars[square + 2],
+                                   chars[square + 3], u'?', u'?'};
+    assignSix(locator, completed);
+    text.remove(square, 4);
+    trimBlanksInPlace(text);
+    return true;
 }
 
 long long code(QChar c) {
@@ -79,23 +104,27 @@ double digitValue(QChar c) {
     return within(c, '0', '9') ? c.unicode() - u'0' : 0;
 }
 
-std::int16_t wholeToInt16(double value) {
-    if (!std::isfinite(value)) {
-        throw RunTimeError(RunTimeError::Overflow);
-    }
-    const double whole = std::floor(value);
-    if (whole < -32768.0 || whole > 32767.0) {
-        throw RunTimeError(RunTimeError::Overflow);
-    }
-    return static_cast<std::int16_t>(whole);
+[[noreturn, gnu::cold, gnu::noinline]] void fault(RunTimeError::Code code) {
+    throw RunTimeError(code);
 }
 
-QChar characterOf(std::int16_t base, std::int16_t offset) {
+// The value rounded down, as a 16-bit integer. Written as a comparison and
+// a truncation: the conversion runs a dozen times per spot.
+std::int16_t wholeToInt16(double value) {
+    // Also false for NaN.
+    if (!(value >= -32768.0 && value < 32768.0)) {
+        fault(RunTimeError::Overflow);
+    }
+    const int truncated = static_cast<int>(value);
+    return static_cast<std::int16_t>(value < truncated ? truncated - 1 : truncated);
+}
+
+char16_t characterOf(std::int16_t base, std::int16_t offset) {
     const std::int16_t value = add16(base, offset);
     if (value < 0 || value > 255) {
-        throw RunTimeError(RunTimeError::InvalidArgument);
+        fault(RunTimeError::InvalidArgument);
     }
-    return QChar(static_cast<char16_t>(value));
+    return static_cast<char16_t>(value);
 }
 
 } // namespace
@@ -121,13 +150,17 @@ bool Check_Locator(ProgramState &state, const QString &locator) {
 
 void Find_Locators(ProgramState &state) {
     state.Comment_Upper = upperCase(state.Spot_Comment);
-    state.Locator_1 = takeLocator(state.Comment_Upper);
-    state.Locator_2 = state.Locator_1.isEmpty() ? QString() : takeLocator(state.Comment_Upper);
+    if (takeLocator(state.Comment_Upper, state.Locator_1)) {
+        takeLocator(state.Comment_Upper, state.Locator_2);
+    } else {
+        makeEmpty(state.Locator_2);
+    }
 }
 
 void Locator_To_LatLon(QString &locator, double &latitude, double &longitude) {
     if (locator.endsWith(QLatin1String("??"))) {
-        locator = locator.left(4) + QLatin1String("LL");
+        locator.truncate(4);
+        locator += QLatin1String("LL");
     }
     if (locator.size() < 6) {
         // The six characters are read one by one; the code of a missing one
@@ -144,10 +177,10 @@ void Locator_To_LatLon(QString &locator, double &latitude, double &longitude) {
     latitude += 1.0 / 48.0;
 }
 
-QString LatLon_To_Locator(double latitude, double longitude) {
+void LatLon_To_Locator(double latitude, double longitude, QString &locator) {
     double x = longitude + 180.0;
     double y = latitude + 90.0;
-    QChar result[6];
+    char16_t result[6];
     std::int16_t n = wholeToInt16(x / 20.0);
     result[0] = characterOf(65, n);
     x -= 20.0 * n;
@@ -164,7 +197,13 @@ QString LatLon_To_Locator(double latitude, double longitude) {
     y -= n;
     n = wholeToInt16(y * 24.0);
     result[5] = characterOf(65, n);
-    return QString(result, 6);
+    assignSix(locator, result);
+}
+
+QString LatLon_To_Locator(double latitude, double longitude) {
+    QString locator;
+    LatLon_To_Locator(latitude, longitude, locator);
+    return locator;
 }
 
 } // namespace zkr

@@ -32,5 +32,7 @@ void Locator_To_LatLon(QString &locator, double &latitude, double &longitude);
 // for a position that is not a finite number and RunTimeError
 // (InvalidArgument) when a character code falls outside 0-255.
 QString LatLon_To_Locator(double latitude, double longitude);
+// The same, written into `locator`, reusing its storage.
+void LatLon_To_Locator(double latitude, double longitude, QString &locator);
 
 } // namespace zkr

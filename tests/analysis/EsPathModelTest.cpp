@@ -76,11 +76,20 @@ TEST(Azimuth, CoversEveryQuadrant) {
 }
 
 TEST(Azimuth, DividingByZeroIsARunTimeError) {
-    // At latitude 0.001 tan(lat) * cos(lat) equals sin(lat) exactly, so for
-    // two points on that parallel whose longitudes differ by a cosine of 1
-    // the denominator is exactly 0.
-    expectFault([] { Azimuth(0.001, 0.001, 0, 1e-9); }, RunTimeError::DivisionByZero, "x/0");
-    expectFault([] { Azimuth(0.001, 0.001, 0, 0); }, RunTimeError::Overflow, "0/0");
+    // Identical points: N = sin(0) = 0 and D = 0.
+    expectFault([] { Azimuth(30, 30, 10, 10); }, RunTimeError::Overflow, "0/0");
+    // On one parallel with a longitude difference so small that its square
+    // vanishes: N is not 0, D is.
+    expectFault([] { Azimuth(30, 30, 0, 1e-168); }, RunTimeError::DivisionByZero, "x/0");
+}
+
+TEST(Azimuth, NearlyCoincidingPointsHaveACourse) {
+    // Half of the 0.000001 degree that separates two equal locators: the
+    // tangent form of D cancels to exactly 0 here at many latitudes.
+    for (double latitude = -89.5; latitude < 90; latitude += 0.25) {
+        const double course = Azimuth(latitude, latitude, 13.375, 13.375 + 0.0000005);
+        EXPECT_TRUE(course >= 0 && course < 360) << latitude;
+    }
 }
 
 TEST(ArcTangent2, AgreesWithTheLibraryInAllQuadrants) {
@@ -198,7 +207,7 @@ INSTANTIATE_TEST_SUITE_P(
                  95.66106457974345, 53.765209022192224, -3.9619667921780035, "IO83AS"}),
     [](const auto &named) { return std::string(named.param.name); });
 
-TEST(ComputeEsPathOwnLocator, AWrongOwnLocatorIsReportedAndChangesNothing) {
+TEST(ComputeEsPathEdges, AWrongOwnLocatorIsReportedAndChangesNothing) {
     for (const char *own : {"JO62QZ", "jo62qm", "JO6", ""}) {
         ProgramState s = analysisState();
         ScriptedPlatform platform;
@@ -220,7 +229,7 @@ TEST(ComputeEsPathOwnLocator, AWrongOwnLocatorIsReportedAndChangesNothing) {
     }
 }
 
-TEST(ComputeEsPathOwnLocator, AFourCharacterOwnLocatorCannotBeConverted) {
+TEST(ComputeEsPathEdges, AFourCharacterOwnLocatorCannotBeConverted) {
     ProgramState s = analysisState();
     ScriptedPlatform platform;
     s.OwnLocator = QStringLiteral("JO62");
@@ -230,7 +239,25 @@ TEST(ComputeEsPathOwnLocator, AFourCharacterOwnLocatorCannotBeConverted) {
     EXPECT_TRUE(platform.log().isEmpty());
 }
 
-TEST(ComputeEsPathOwnLocator, EqualLongitudesArePulledApart) {
+TEST(ComputeEsPathEdges, ASpotNamingOneLocatorTwiceIsComputed) {
+    // One locator per degree of latitude, from pole to pole.
+    for (char16_t field = u'A'; field <= u'R'; ++field) {
+        for (char16_t square = u'0'; square <= u'9'; ++square) {
+            ProgramState s = analysisState();
+            ScriptedPlatform platform;
+            s.Locator_1 = QStringLiteral("J") + QChar(field) + QLatin1Char('5') + QChar(square) +
+                          QStringLiteral("LL");
+            s.Locator_2 = s.Locator_1;
+            s.Spot_Frequency = 50.1f;
+            Compute_EsPath(s, platform);
+            // The clamp: 4.47e-6 rad, 0.0285 km.
+            EXPECT_NEAR(s.Path_Angle, 4.472136140076799e-06, 1e-15) << s.Locator_1.toStdString();
+            EXPECT_NEAR(s.Path_Distance, 0.02847409, 1e-7);
+        }
+    }
+}
+
+TEST(ComputeEsPathEdges, EqualLongitudesArePulledApart) {
     ProgramState s = analysisState();
     ScriptedPlatform platform;
     s.Locator_1 = QStringLiteral("JO62QM");

@@ -2,12 +2,12 @@
 // sends them in an Es season: HF spots without locators, 6 m, 4 m and 2 m
 // spots with one or two locators and every kind of mode marker.
 
+#include "EsPathModel.h"
 #include "MemoryPane.h"
 #include "ProgramState.h"
 #include "ResultOutput.h"
 #include "ScriptedPlatform.h"
 #include "SpotAnalysis.h"
-#include "EsPathModel.h"
 #include "SpotLineParsing.h"
 
 #include <benchmark/benchmark.h>
@@ -32,14 +32,14 @@ const char *const Locators[] = {"JO62QM", "IO91WM", "KP20LE", "IM76TP", "JN61FW"
                                 "JN76EA", "JN97LM", "JO55WB", "JO31HH", "JO22DC", "JN52SI"};
 const char *const Squares[] = {"JO62", "IO91", "KP20", "IM76", "JN61", "KO02",
                                "JN18", "JO70", "JP99", "JN95", "IM58", "KN04"};
-const char *const HfComments[] = {"CQ CQ",     "TNX QSO 73", "FT8 -12dB", "CW 599",
-                                  "",          "up 2",       "RTTY",      "tnx fer qso"};
+const char *const HfComments[] = {"CQ CQ", "TNX QSO 73", "FT8 -12dB", "CW 599",
+                                  "",      "up 2",       "RTTY",      "tnx fer qso"};
 // %1 and %2 are the two locators, %3 a square.
 const char *const VhfComments[] = {
-    "%1<ES>%2",      "%1 ES %2",        "%3 es %2 tnx",     "%1(ES)%3 FT8", "ES %1 %2 -10dB",
-    "%1<MS>%2",      "%1 MS %3",        "TR %1 %2 59",      "%1 <TR> %3",   "EME %1",
-    "%1 %2 <EME>",   "%1 SAT %2",       "MUF 144 %1 %2",    "%1 %2",        "FT8 %3",
-    "tnx qso %1",    "CQ %3",           "%1 (es) %2 big",   "%1<ES>%3 fb",  "TNX ES 73"};
+    "%1<ES>%2",    "%1 ES %2",  "%3 es %2 tnx",   "%1(ES)%3 FT8", "ES %1 %2 -10dB",
+    "%1<MS>%2",    "%1 MS %3",  "TR %1 %2 59",    "%1 <TR> %3",   "EME %1",
+    "%1 %2 <EME>", "%1 SAT %2", "MUF 144 %1 %2",  "%1 %2",        "FT8 %3",
+    "tnx qso %1",  "CQ %3",     "%1 (es) %2 big", "%1<ES>%3 fb",  "TNX ES 73"};
 
 // A cluster line as clusters lay it out, with the prefix.
 QString clusterLine(const QString &spotter, double kiloHertz, const QString &dxCall,
@@ -118,7 +118,8 @@ void BM_AnalyseSpot(benchmark::State &bench) {
     bench.counters["lines/s"] =
         benchmark::Counter(static_cast<double>(bench.iterations()), benchmark::Counter::kIsRate);
     bench.counters["path_share"] =
-        static_cast<double>(paths) / static_cast<double>(std::max<std::int64_t>(1, bench.iterations()));
+        static_cast<double>(paths) /
+        static_cast<double>(std::max<std::int64_t>(1, bench.iterations()));
 }
 BENCHMARK(BM_AnalyseSpot);
 
@@ -160,8 +161,8 @@ void BM_AnalyseAndPrint(benchmark::State &bench) {
     bench.SetItemsProcessed(bench.iterations());
     bench.counters["lines/s"] =
         benchmark::Counter(static_cast<double>(bench.iterations()), benchmark::Counter::kIsRate);
-    bench.counters["es_share"] =
-        static_cast<double>(computed) / static_cast<double>(std::max<std::int64_t>(1, bench.iterations()));
+    bench.counters["es_share"] = static_cast<double>(computed) /
+                                 static_cast<double>(std::max<std::int64_t>(1, bench.iterations()));
 }
 BENCHMARK(BM_AnalyseAndPrint);
 

@@ -72,10 +72,8 @@ double centralAngle(const Point &a, const Point &b, double cosDelta) {
 // that names one locator twice) round D to exactly 0 and fault where the
 // true D is tiny but not zero, so D is 0 only where the geometry says so.
 double course(const Point &a, const Point &b, double sinDelta, double cosDelta) {
-    const double versine =
-        cosDelta >= 0 ? sinDelta * sinDelta / (1 + cosDelta) : 1 - cosDelta;
-    const double denominator =
-        (std::sin(b.phi - a.phi) + a.sinLat * b.cosLat * versine) / b.cosLat;
+    const double versine = cosDelta >= 0 ? sinDelta * sinDelta / (1 + cosDelta) : 1 - cosDelta;
+    const double denominator = (std::sin(b.phi - a.phi) + a.sinLat * b.cosLat * versine) / b.cosLat;
     double azimuth = std::atan(divide(sinDelta, denominator));
     if (denominator <= 0) {
         azimuth += Pi;
@@ -144,8 +142,8 @@ GeoPoint destination(const Point &start, double azimuth, double distance, double
     const double cosDelta = std::cos(delta);
     const double sinPhi2 = std::clamp(
         start.sinLat * cosDelta + start.cosLat * sinDelta * std::cos(bearing), -1.0, 1.0);
-    const double lambda = std::atan2(std::sin(bearing) * sinDelta * start.cosLat,
-                                     cosDelta - start.sinLat * sinPhi2);
+    const double lambda =
+        std::atan2(std::sin(bearing) * sinDelta * start.cosLat, cosDelta - start.sinLat * sinPhi2);
     return GeoPoint{std::asin(sinPhi2) * Rad2Deg, start.lon + lambda * Rad2Deg};
 }
 

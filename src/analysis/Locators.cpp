@@ -15,7 +15,6 @@ bool within(QChar c, char from, char to) {
     return c.unicode() >= static_cast<char16_t>(from) && c.unicode() <= static_cast<char16_t>(to);
 }
 
-
 bool within(char16_t c, char16_t from, char16_t to) {
     return c >= from && c <= to;
 }
@@ -72,8 +71,7 @@ bool takeLocator(QString &text, QString &locator) {
         }
         // The search takes any letter as subsquare; only the own-locator
         // check is strict about A-X.
-        if (i + 6 <= size && within(chars[i + 4], u'A', u'Z') &&
-            within(chars[i + 5], u'A', u'Z')) {
+        if (i + 6 <= size && within(chars[i + 4], u'A', u'Z') && within(chars[i + 5], u'A', u'Z')) {
             assignSix(locator, chars + i);
             text.remove(i, 6);
             trimBlanksInPlace(text);
@@ -87,8 +85,8 @@ bool takeLocator(QString &text, QString &locator) {
         makeEmpty(locator);
         return false;
     }
-    const char16_t completed[6] = {chars[square], chars[square + 1], chars[square + 2],
-                                   chars[square + 3], u'?', u'?'};
+    const char16_t completed[6] = {
+        chars[square], chars[square + 1], chars[square + 2], chars[square + 3], u'?', u'?'};
     assignSix(locator, completed);
     text.remove(square, 4);
     trimBlanksInPlace(text);

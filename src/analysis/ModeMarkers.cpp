@@ -38,8 +38,7 @@ struct Signature {
     std::uint64_t pairs = 0; // adjacent pairs, hashed to 64 bits
 
     constexpr bool includes(const Signature &other) const {
-        return (other.low & ~low) == 0 && (other.high & ~high) == 0 &&
-               (other.pairs & ~pairs) == 0;
+        return (other.low & ~low) == 0 && (other.high & ~high) == 0 && (other.pairs & ~pairs) == 0;
     }
 };
 

@@ -40,7 +40,8 @@ public:
         unsigned long long magnitude = number < 0 ? 0ULL - static_cast<unsigned long long>(number)
                                                   : static_cast<unsigned long long>(number);
         do {
-            digits[static_cast<std::size_t>(count++)] = static_cast<char16_t>(u'0' + magnitude % 10);
+            digits[static_cast<std::size_t>(count++)] =
+                static_cast<char16_t>(u'0' + magnitude % 10);
             magnitude /= 10;
         } while (magnitude != 0);
         if (number < 0) {

@@ -1,5 +1,5 @@
-#include "AnalysisTestState.h"
 #include "EsPathModel.h"
+#include "AnalysisTestState.h"
 #include "QtPrinters.h"
 #include "RunTimeError.h"
 #include "ScriptedPlatform.h"
@@ -57,10 +57,10 @@ TEST(Azimuth, CoversEveryQuadrant) {
     // Along meridians and the equator the course is exact up to the 1e-6
     // degree that replaces a destination latitude of 0.
     const Case cases[] = {
-        {0, 10, 0, 0, 0},     // D > 0, A = 0
-        {0, 0, 0, 10, 90},    // D tiny and positive
-        {10, 0, 0, 0, 180},   // N = 0, D < 0: + pi
-        {0, 0, 10, 0, 270},   // A < 0, D > 0: + 2 pi
+        {0, 10, 0, 0, 0},   // D > 0, A = 0
+        {0, 0, 0, 10, 90},  // D tiny and positive
+        {10, 0, 0, 0, 180}, // N = 0, D < 0: + pi
+        {0, 0, 10, 0, 270}, // A < 0, D > 0: + 2 pi
     };
     for (const Case &c : cases) {
         EXPECT_NEAR(Azimuth(c.latA, c.latB, c.lonA, c.lonB), c.azimuth, 1e-4)
@@ -93,12 +93,11 @@ TEST(Azimuth, NearlyCoincidingPointsHaveACourse) {
 }
 
 TEST(ArcTangent2, AgreesWithTheLibraryInAllQuadrants) {
-    const double points[][2] = {{1, 1},  {1, -1}, {-1, -1}, {-1, 1}, {0, 1},   {0, -1},
-                                {1, 0},  {-1, 0}, {3, 4},   {4, 3},  {-3, -4}, {1e-300, -1},
-                                {-2, 1e-9}};
+    const double points[][2] = {{1, 1},   {1, -1},      {-1, -1},  {-1, 1}, {0, 1},
+                                {0, -1},  {1, 0},       {-1, 0},   {3, 4},  {4, 3},
+                                {-3, -4}, {1e-300, -1}, {-2, 1e-9}};
     for (const auto &p : points) {
-        EXPECT_NEAR(Arc_Tangent2(p[0], p[1]), std::atan2(p[0], p[1]), 1e-15)
-            << p[0] << " " << p[1];
+        EXPECT_NEAR(Arc_Tangent2(p[0], p[1]), std::atan2(p[0], p[1]), 1e-15) << p[0] << " " << p[1];
     }
     expectFault([] { Arc_Tangent2(0, 0); }, RunTimeError::Overflow, "0/0");
 }
@@ -197,8 +196,8 @@ INSTANTIATE_TEST_SUITE_P(
         // is reflected to 180 - 239.398 = -59.398.
         PathCase{"BelowTheHorizon", "IO91WM", "KN04??", "QF56OD", 28.885f, 48.482217848675646,
                  11.145214271596025, "JN58NL", 3.1968258249830237, 30.146194151120387,
-                 16341.461206627573, 308.51681345291803, -73.38221249250978, 0,
-                 -44.395336739150565, -59.398464251998035, "GE05HO"},
+                 16341.461206627573, 308.51681345291803, -73.38221249250978, 0, -44.395336739150565,
+                 -59.398464251998035, "GE05HO"},
         // Near the date line: the hop from RO73AA via the cloud at 178.96 E
         // lands at 183.962 E, reported as 180 - 183.962 = -3.962.
         PathCase{"FarPointPastTheDateLine", "RO83LL", "AO03LL", "RO73AA", 50.110f,

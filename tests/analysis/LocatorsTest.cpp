@@ -1,5 +1,5 @@
-#include "AnalysisTestState.h"
 #include "Locators.h"
+#include "AnalysisTestState.h"
 #include "QtPrinters.h"
 #include "RunTimeError.h"
 
@@ -34,23 +34,22 @@ TEST_P(FindLocators, TakesTwoLocatorsOutOfTheComment) {
 
 INSTANTIATE_TEST_SUITE_P(
     Comments, FindLocators,
-    ::testing::Values(
-        FindCase{"JO62QM<ES>KP20", "JO62QM", "KP20??", "<ES>"},
-        // A six-character locator is taken first wherever it stands.
-        FindCase{"KP20 JO62QM", "JO62QM", "KP20??", ""},
-        FindCase{"jo62qm es kp20lm tnx", "JO62QM", "KP20LM", "ES  TNX"},
-        FindCase{"JO62QMKP20LM", "JO62QM", "KP20LM", ""},
-        FindCase{"TNX QSO 73", "", "", "TNX QSO 73"}, FindCase{"", "", "", ""},
-        FindCase{"JO62", "JO62??", "", ""},
-        // The search takes Y and Z as subsquare letters; the field stops at R.
-        FindCase{"JO62QZ KP20", "JO62QZ", "KP20??", ""},
-        FindCase{"SO62QM TNX", "", "", "SO62QM TNX"},
-        // No six-character match: the square is taken, the rest stays.
-        FindCase{"JO62Q1", "JO62??", "", "Q1"},
-        // The second search runs on the text left after the first cut.
-        FindCase{"JO6JO62QM2", "JO62QM", "JO62??", ""},
-        FindCase{"CQ JO62QM CQ", "JO62QM", "", "CQ  CQ"},
-        FindCase{"50.110 FN42 FN31PR", "FN31PR", "FN42??", "50.110"}));
+    ::testing::Values(FindCase{"JO62QM<ES>KP20", "JO62QM", "KP20??", "<ES>"},
+                      // A six-character locator is taken first wherever it stands.
+                      FindCase{"KP20 JO62QM", "JO62QM", "KP20??", ""},
+                      FindCase{"jo62qm es kp20lm tnx", "JO62QM", "KP20LM", "ES  TNX"},
+                      FindCase{"JO62QMKP20LM", "JO62QM", "KP20LM", ""},
+                      FindCase{"TNX QSO 73", "", "", "TNX QSO 73"}, FindCase{"", "", "", ""},
+                      FindCase{"JO62", "JO62??", "", ""},
+                      // The search takes Y and Z as subsquare letters; the field stops at R.
+                      FindCase{"JO62QZ KP20", "JO62QZ", "KP20??", ""},
+                      FindCase{"SO62QM TNX", "", "", "SO62QM TNX"},
+                      // No six-character match: the square is taken, the rest stays.
+                      FindCase{"JO62Q1", "JO62??", "", "Q1"},
+                      // The second search runs on the text left after the first cut.
+                      FindCase{"JO6JO62QM2", "JO62QM", "JO62??", ""},
+                      FindCase{"CQ JO62QM CQ", "JO62QM", "", "CQ  CQ"},
+                      FindCase{"50.110 FN42 FN31PR", "FN31PR", "FN42??", "50.110"}));
 
 TEST(CheckLocator, AcceptsSquaresAndSubsquaresOnly) {
     struct Case {
@@ -130,8 +129,12 @@ TEST(LatLonToLocator, NamesTheSubsquareOfAPosition) {
         const char *locator;
     };
     const Case cases[] = {
-        {52.52, 13.375, "JO62QM"}, {-33.854, 151.208, "QF56OD"}, {0, 0, "JJ00AA"},
-        {-90, -180, "AA00AA"},     {89.999, 179.999, "RR99XX"},  {-44.395, -59.398, "GE05HO"},
+        {52.52, 13.375, "JO62QM"},
+        {-33.854, 151.208, "QF56OD"},
+        {0, 0, "JJ00AA"},
+        {-90, -180, "AA00AA"},
+        {89.999, 179.999, "RR99XX"},
+        {-44.395, -59.398, "GE05HO"},
         // East of the 180th meridian: field S, which no locator has.
         {53.5, 184.5, "SO23GM"},
     };

@@ -1,5 +1,5 @@
-#include "AnalysisTestState.h"
 #include "ModeMarkers.h"
+#include "AnalysisTestState.h"
 #include "QtPrinters.h"
 
 #include <gtest/gtest.h>
@@ -32,26 +32,21 @@ TEST_P(FindMode, ClassifiesAndCutsTheMarker) {
 
 INSTANTIATE_TEST_SUITE_P(
     Kinds, FindMode,
-    ::testing::Values(ModeCase{"", "", "", "??", ""}, ModeCase{"", "", "ES", "ES", ""},
-                      ModeCase{"", "", "TNX ES", "ES", "TNX"},
-                      ModeCase{"", "", "ES TNX", "ES", "TNX"},
-                      ModeCase{"", "", "JT65 MS", "MS", "JT65"},
-                      ModeCase{"", "", "TR 59", "TR", "59"}, ModeCase{"", "", "EME", "EME", ""},
-                      ModeCase{"", "", "VIA SAT", "SAT", "VIA"},
-                      ModeCase{"", "", "<ESTNX", "ES", "TNX"},
-                      ModeCase{"", "", "GOOD ES>", "ES", "GOOD "},
-                      ModeCase{"", "", "(MS) 2 PINGS", "MS", " 2 PINGS"},
-                      ModeCase{"", "", "73 :ES: 73", "ES", "73  73"},
-                      ModeCase{"", "", ":SAT:", "SAT", ""},
-                      ModeCase{"", "", "CQ <TR", "TR", "CQ "},
-                      ModeCase{"", "", "BIG MUF 144", "MUF", "BIG144"},
-                      ModeCase{"", "", "MUF 144", "MUF", "144"},
-                      ModeCase{"", "", "<MUF>", "MUF", ">"},
-                      ModeCase{"", "", "MUF", "??", "MUF"},
-                      // Markers are upper-cased before the tests.
-                      ModeCase{"", "", "tnx es", "ES", "TNX"},
-                      // "ES " needs its blank.
-                      ModeCase{"", "", "ESKIMO", "??", "ESKIMO"}),
+    ::testing::Values(
+        ModeCase{"", "", "", "??", ""}, ModeCase{"", "", "ES", "ES", ""},
+        ModeCase{"", "", "TNX ES", "ES", "TNX"}, ModeCase{"", "", "ES TNX", "ES", "TNX"},
+        ModeCase{"", "", "JT65 MS", "MS", "JT65"}, ModeCase{"", "", "TR 59", "TR", "59"},
+        ModeCase{"", "", "EME", "EME", ""}, ModeCase{"", "", "VIA SAT", "SAT", "VIA"},
+        ModeCase{"", "", "<ESTNX", "ES", "TNX"}, ModeCase{"", "", "GOOD ES>", "ES", "GOOD "},
+        ModeCase{"", "", "(MS) 2 PINGS", "MS", " 2 PINGS"},
+        ModeCase{"", "", "73 :ES: 73", "ES", "73  73"}, ModeCase{"", "", ":SAT:", "SAT", ""},
+        ModeCase{"", "", "CQ <TR", "TR", "CQ "}, ModeCase{"", "", "BIG MUF 144", "MUF", "BIG144"},
+        ModeCase{"", "", "MUF 144", "MUF", "144"}, ModeCase{"", "", "<MUF>", "MUF", ">"},
+        ModeCase{"", "", "MUF", "??", "MUF"},
+        // Markers are upper-cased before the tests.
+        ModeCase{"", "", "tnx es", "ES", "TNX"},
+        // "ES " needs its blank.
+        ModeCase{"", "", "ESKIMO", "??", "ESKIMO"}),
     [](const auto &numbered) { return "Case" + std::to_string(numbered.index); });
 
 INSTANTIATE_TEST_SUITE_P(
@@ -74,8 +69,7 @@ INSTANTIATE_TEST_SUITE_P(
         ModeCase{"JO62QM", "JO62AA", "<ES>", "TR", "<ES>"},
         ModeCase{"JO62??", "JO62QM", "", "TR", ""},
         // One locator alone, or two squares: the markers decide.
-        ModeCase{"JO62QM", "", "<ES>", "ES", ""},
-        ModeCase{"JO62QM", "JO72??", "<ES>", "ES", ""}),
+        ModeCase{"JO62QM", "", "<ES>", "ES", ""}, ModeCase{"JO62QM", "JO72??", "<ES>", "ES", ""}),
     [](const auto &numbered) { return "Case" + std::to_string(numbered.index); });
 
 } // namespace

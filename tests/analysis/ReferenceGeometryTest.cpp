@@ -136,8 +136,8 @@ TEST_F(Reference, DestinationsAgreeWithGeographicLib) {
         double lon2 = 0;
         sphere.Direct(latitude, longitude, course, distance, lat2, lon2);
         const GeoPoint ours = Destination_Point(latitude, longitude, course, distance, Radius);
-        ASSERT_NEAR(ours.latitude, lat2, 1e-9) << latitude << " " << longitude << " " << course
-                                               << " " << distance;
+        ASSERT_NEAR(ours.latitude, lat2, 1e-9)
+            << latitude << " " << longitude << " " << course << " " << distance;
         // The longitude is the start plus a change of at most half a turn.
         ASSERT_LE(std::fabs(ours.longitude - longitude), 180 + 1e-9);
         if (std::fabs(lat2) < 89.99) {
@@ -160,9 +160,9 @@ TEST_F(Reference, EsPathsAgreeWithGeographicLib) {
         s.OwnLocator = randomLocator();
         s.Spot_Frequency = 50.1f;
         Compute_EsPath(s, platform);
-        const std::string what = (s.Locator_1 + QLatin1Char(' ') + s.Locator_2 + QLatin1Char(' ') +
-                                  s.OwnLocator)
-                                     .toStdString();
+        const std::string what =
+            (s.Locator_1 + QLatin1Char(' ') + s.Locator_2 + QLatin1Char(' ') + s.OwnLocator)
+                .toStdString();
 
         double pathLength = 0, course1 = 0, course2 = 0;
         sphere.Inverse(s.Spot_Lat1, s.Spot_Lon1, s.Spot_Lat2, s.Spot_Lon2, pathLength, course1,

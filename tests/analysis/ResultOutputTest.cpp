@@ -1,6 +1,6 @@
+#include "ResultOutput.h"
 #include "AnalysisTestState.h"
 #include "QtPrinters.h"
-#include "ResultOutput.h"
 #include "RunTimeError.h"
 
 #include <gtest/gtest.h>
@@ -24,8 +24,8 @@ TEST(PrintColored, InsertsAtTheCaretAndMovesItBehind) {
     Print_Colored(pane, u"xy", Magenta);
     EXPECT_EQ(pane.caret(), 3);
     Print_Colored(pane, u"-", Grey);
-    EXPECT_EQ(pane.runs(), (Runs{run("A", Black), run("xy", Magenta), run("-", Grey),
-                                 run("B", Black)}));
+    EXPECT_EQ(pane.runs(),
+              (Runs{run("A", Black), run("xy", Magenta), run("-", Grey), run("B", Black)}));
 }
 
 TEST(SelectedPanes, BandsAreInclusiveAndEsHasItsOwnPane) {
@@ -49,8 +49,8 @@ TEST(SelectedPanes, BandsAreInclusiveAndEsHasItsOwnPane) {
 }
 
 TEST(RoundHalfUp, RoundsHalvesUpwards) {
-    const double cases[][2] = {{2.5, 3},   {2.49, 2},  {-2.5, -2}, {-0.5, 0},
-                               {-0.6, -1}, {7.4, 7},   {143.5, 144}, {0, 0}};
+    const double cases[][2] = {{2.5, 3},   {2.49, 2}, {-2.5, -2},   {-0.5, 0},
+                               {-0.6, -1}, {7.4, 7},  {143.5, 144}, {0, 0}};
     for (const auto &c : cases) {
         EXPECT_EQ(Round_Half_Up(c[0]), c[1]) << c[0];
     }
@@ -147,10 +147,12 @@ INSTANTIATE_TEST_SUITE_P(
         FieldCase{"NoMode", "??", 50.150f, 60, 0, 5, 500, "Es? MUF= 60MHz", Black, 0b0011},
         // whole(-0.6 + 0.5) = -1: the cloud is below the horizon.
         FieldCase{"BelowHorizon", "ES", 50.150f, 100, 0, -0.6, 500, "    MUF=100MHz", Grey, 0b1011},
-        FieldCase{"OnTheHorizon", "ES", 50.150f, 100, 0, -0.5, 500, "    MUF=100MHz", Black, 0b1011},
-        FieldCase{"MagentaBeatsGrey", "ES", 50.150f, 150, 0, -20, 500, "    MUF=150MHz",
-                  Magenta, 0b1011},
-        FieldCase{"FourDigits", "ES", 1296.2f, 5200.2, 0, 5, 500, "Es? MUF=5200MHz", Magenta, 0b1001}),
+        FieldCase{"OnTheHorizon", "ES", 50.150f, 100, 0, -0.5, 500, "    MUF=100MHz", Black,
+                  0b1011},
+        FieldCase{"MagentaBeatsGrey", "ES", 50.150f, 150, 0, -20, 500, "    MUF=150MHz", Magenta,
+                  0b1011},
+        FieldCase{"FourDigits", "ES", 1296.2f, 5200.2, 0, 5, 500, "Es? MUF=5200MHz", Magenta,
+                  0b1001}),
     [](const auto &named) { return std::string(named.param.name); });
 
 class FotField : public ::testing::TestWithParam<FieldCase> {};
@@ -165,12 +167,12 @@ TEST_P(FotField, PrintsTheOwnMufOrBlanks) {
 
 INSTANTIATE_TEST_SUITE_P(
     Cases, FotField,
-    ::testing::Values(FieldCase{"Fot50", "ES", 50.150f, 60, 50.2, 8, 500, " FOT= 50MHz", Black, 0b1011},
-                      FieldCase{"Fot150", "ES", 144.3f, 200, 149.6, 8, 500, " FOT=150MHz", Magenta, 0b1111},
-                      FieldCase{"Fot1", "ES", 28.0f, 10, 0.5, 8, 500, " FOT=  1MHz", Black, 0b1001},
-                      FieldCase{"NoOwnMuf", "ES", 28.0f, 10, 0.49, 8, 500, "           ", Black, 0b1001},
-                      FieldCase{"NoOwnMufGrey", "ES", 50.150f, 30, 0, -73.4, 16341,
-                                "           ", Grey, 0b1011}),
+    ::testing::Values(
+        FieldCase{"Fot50", "ES", 50.150f, 60, 50.2, 8, 500, " FOT= 50MHz", Black, 0b1011},
+        FieldCase{"Fot150", "ES", 144.3f, 200, 149.6, 8, 500, " FOT=150MHz", Magenta, 0b1111},
+        FieldCase{"Fot1", "ES", 28.0f, 10, 0.5, 8, 500, " FOT=  1MHz", Black, 0b1001},
+        FieldCase{"NoOwnMuf", "ES", 28.0f, 10, 0.49, 8, 500, "           ", Black, 0b1001},
+        FieldCase{"NoOwnMufGrey", "ES", 50.150f, 30, 0, -73.4, 16341, "           ", Grey, 0b1011}),
     [](const auto &named) { return std::string(named.param.name); });
 
 class MidSquare : public ::testing::TestWithParam<FieldCase> {};
@@ -183,12 +185,14 @@ TEST_P(MidSquare, PrintsTheSquareOfTheCloud) {
     expectPrinted(panes, c);
 }
 
-INSTANTIATE_TEST_SUITE_P(
-    Cases, MidSquare,
-    ::testing::Values(FieldCase{"Below144", "ES", 50.150f, 143.49, 0, 8, 500, "@JO96 ", Black, 0b1011},
-                      FieldCase{"At144", "ES", 50.150f, 143.5, 0, 8, 500, "@JO96 ", Magenta, 0b1011},
-                      FieldCase{"Grey", "ES", 50.150f, 63.6, 0, -3, 500, "@JO96 ", Grey, 0b1011}),
-    [](const auto &named) { return std::string(named.param.name); });
+INSTANTIATE_TEST_SUITE_P(Cases, MidSquare,
+                         ::testing::Values(FieldCase{"Below144", "ES", 50.150f, 143.49, 0, 8, 500,
+                                                     "@JO96 ", Black, 0b1011},
+                                           FieldCase{"At144", "ES", 50.150f, 143.5, 0, 8, 500,
+                                                     "@JO96 ", Magenta, 0b1011},
+                                           FieldCase{"Grey", "ES", 50.150f, 63.6, 0, -3, 500,
+                                                     "@JO96 ", Grey, 0b1011}),
+                         [](const auto &named) { return std::string(named.param.name); });
 
 struct AzCase {
     const char *name;
@@ -221,16 +225,28 @@ TEST_P(AzField, PrintsNearCloudsAndEndsTheLine) {
 INSTANTIATE_TEST_SUITE_P(
     Cases, AzField,
     ::testing::Values(
-        AzCase{"Near", 565.5, 34.048, 8.36, 50.2,
-               {run(" -> KP20 AZ= 34 EL=  8\r\n", Black)}},
-        AzCase{"JustInside", 1499.99, 359.6, 0.4, 150,
+        AzCase{"Near", 565.5, 34.048, 8.36, 50.2, {run(" -> KP20 AZ= 34 EL=  8\r\n", Black)}},
+        AzCase{"JustInside",
+               1499.99,
+               359.6,
+               0.4,
+               150,
                {run(" -> KP20 AZ=360 EL=  0", Magenta), run("\r\n", Black)}},
         // From 1500 km on only the line end.
         AzCase{"AtTheLimit", 1500, 34.0, 8, 50, {run("\r\n", Black)}},
         AzCase{"Far", 16341, 308.5, -73.4, 0, {run("\r\n", Black)}},
         // Below the horizon: grey, and the own MUF cannot make it magenta.
-        AzCase{"Below", 1400, 5.2, -5.5, 150, {run(" -> KP20 AZ=  5 EL= -5", Grey), run("\r\n", Black)}},
-        AzCase{"DeepBelow", 1400, 95.0, -12.5, 0,
+        AzCase{"Below",
+               1400,
+               5.2,
+               -5.5,
+               150,
+               {run(" -> KP20 AZ=  5 EL= -5", Grey), run("\r\n", Black)}},
+        AzCase{"DeepBelow",
+               1400,
+               95.0,
+               -12.5,
+               0,
                {run(" -> KP20 AZ= 95 EL=-12", Grey), run("\r\n", Black)}}),
     [](const auto &named) { return std::string(named.param.name); });
 

@@ -1,8 +1,8 @@
+#include "SpotAnalysis.h"
 #include "AnalysisTestState.h"
 #include "QtPrinters.h"
 #include "ResultOutput.h"
 #include "ScriptedPlatform.h"
-#include "SpotAnalysis.h"
 #include "SpotLineParsing.h"
 
 #include <gtest/gtest.h>
@@ -65,27 +65,54 @@ TEST_P(PrintRawLine, HighlightsTheOwnSquare) {
 
 INSTANTIATE_TEST_SUITE_P(
     Cases, PrintRawLine,
-    ::testing::Values(
-        RawCase{"NotTouching", "DL1ABC: 144300.0 OH1XYZ KP20LL<TR>KP11", "KP20LL", "KP11??",
-                "JO62QM", {run("DL1ABC: 144300.0 OH1XYZ KP20LL<TR>KP11", Grey)}},
-        // Found in the upper-cased line, printed as the line has it.
-        RawCase{"SecondLocator", "DL1ABC: 144300.0 OH1XYZ kp20<TR>jo62qm 73", "KP20??", "JO62QM",
-                "JO62QM",
-                {run("DL1ABC: 144300.0 OH1XYZ kp20<TR>", Grey), run("jo62", Highlight),
-                 run("qm 73", Grey)}},
-        RawCase{"LowerCaseOwnLocator", "JO62AA<TR>JO72", "JO62AA", "JO72??", "jo62qm",
-                {run("JO62", Highlight), run("AA<TR>JO72", Grey)}},
-        // The first occurrence of the square is the one highlighted.
-        RawCase{"FirstOccurrence", "SM0JO62: JO62 JO62QM", "JO62??", "JO62QM", "JO62QM",
-                {run("SM0", Grey), run("JO62", Highlight), run(": JO62 JO62QM", Grey)}},
-        RawCase{"LineEndsWithSquare", "DL1ABC: 144300.0 KP20QM JO62", "KP20QM", "JO62??",
-                "JO62QM", {run("DL1ABC: 144300.0 KP20QM ", Grey), run("JO62", Highlight)}},
-        // Touching by the locators, but the square is not in the line.
-        RawCase{"SquareNotInLine", "DL1ABC: 144300.0 OH1XYZ", "JO62QM", "KP20??", "JO62QM",
-                {run("DL1ABC: 144300.0 OH1XYZ", Grey)}},
-        // Without an own square nothing is highlighted.
-        RawCase{"NoOwnLocator", "DL1ABC: 144300.0 OH1XYZ", "", "", "",
-                {run("DL1ABC: 144300.0 OH1XYZ", Grey)}}),
+    ::testing::Values(RawCase{"NotTouching",
+                              "DL1ABC: 144300.0 OH1XYZ KP20LL<TR>KP11",
+                              "KP20LL",
+                              "KP11??",
+                              "JO62QM",
+                              {run("DL1ABC: 144300.0 OH1XYZ KP20LL<TR>KP11", Grey)}},
+                      // Found in the upper-cased line, printed as the line has it.
+                      RawCase{"SecondLocator",
+                              "DL1ABC: 144300.0 OH1XYZ kp20<TR>jo62qm 73",
+                              "KP20??",
+                              "JO62QM",
+                              "JO62QM",
+                              {run("DL1ABC: 144300.0 OH1XYZ kp20<TR>", Grey),
+                               run("jo62", Highlight), run("qm 73", Grey)}},
+                      RawCase{"LowerCaseOwnLocator",
+                              "JO62AA<TR>JO72",
+                              "JO62AA",
+                              "JO72??",
+                              "jo62qm",
+                              {run("JO62", Highlight), run("AA<TR>JO72", Grey)}},
+                      // The first occurrence of the square is the one highlighted.
+                      RawCase{
+                          "FirstOccurrence",
+                          "SM0JO62: JO62 JO62QM",
+                          "JO62??",
+                          "JO62QM",
+                          "JO62QM",
+                          {run("SM0", Grey), run("JO62", Highlight), run(": JO62 JO62QM", Grey)}},
+                      RawCase{"LineEndsWithSquare",
+                              "DL1ABC: 144300.0 KP20QM JO62",
+                              "KP20QM",
+                              "JO62??",
+                              "JO62QM",
+                              {run("DL1ABC: 144300.0 KP20QM ", Grey), run("JO62", Highlight)}},
+                      // Touching by the locators, but the square is not in the line.
+                      RawCase{"SquareNotInLine",
+                              "DL1ABC: 144300.0 OH1XYZ",
+                              "JO62QM",
+                              "KP20??",
+                              "JO62QM",
+                              {run("DL1ABC: 144300.0 OH1XYZ", Grey)}},
+                      // Without an own square nothing is highlighted.
+                      RawCase{"NoOwnLocator",
+                              "DL1ABC: 144300.0 OH1XYZ",
+                              "",
+                              "",
+                              "",
+                              {run("DL1ABC: 144300.0 OH1XYZ", Grey)}}),
     [](const auto &named) { return std::string(named.param.name); });
 
 struct BracketCase {
@@ -111,18 +138,18 @@ TEST_P(BracketModeWords, RewritesEsLinesBeforePrinting) {
 
 INSTANTIATE_TEST_SUITE_P(
     Cases, BracketModeWords,
-    ::testing::Values(
-        BracketCase{"EsSpellings", "ES", "A ES B es C Es D eS E", "A<ES>B<ES>C<ES>D eS E"},
-        BracketCase{"AllWords", "ES", "x ms y tr z sat w eme v Ms u Tr t",
-                    "x<MS>y<TR>z<SAT>w<EME>v<MS>u<TR>t"},
-        // A blank belongs to the first word that takes it.
-        BracketCase{"SharedBlanks", "ES", " MS TR EME SAT ", "<MS>TR<EME>SAT "},
-        // All " ES " first, then the other words.
-        BracketCase{"WordOrder", "ES", " MS ES ", " MS<ES>"},
-        BracketCase{"NotFreeStanding", "ES", "ESKIMO YES  ES", "ESKIMO YES  ES"},
-        BracketCase{"MixedCaseLongWords", "ES", "a Eme b Sat c", "a Eme b Sat c"},
-        BracketCase{"OtherModeUnchanged", "MS", "a ES b MS c", "a ES b MS c"},
-        BracketCase{"NoModeUnchanged", "??", "a es b", "a es b"}),
+    ::testing::Values(BracketCase{"EsSpellings", "ES", "A ES B es C Es D eS E",
+                                  "A<ES>B<ES>C<ES>D eS E"},
+                      BracketCase{"AllWords", "ES", "x ms y tr z sat w eme v Ms u Tr t",
+                                  "x<MS>y<TR>z<SAT>w<EME>v<MS>u<TR>t"},
+                      // A blank belongs to the first word that takes it.
+                      BracketCase{"SharedBlanks", "ES", " MS TR EME SAT ", "<MS>TR<EME>SAT "},
+                      // All " ES " first, then the other words.
+                      BracketCase{"WordOrder", "ES", " MS ES ", " MS<ES>"},
+                      BracketCase{"NotFreeStanding", "ES", "ESKIMO YES  ES", "ESKIMO YES  ES"},
+                      BracketCase{"MixedCaseLongWords", "ES", "a Eme b Sat c", "a Eme b Sat c"},
+                      BracketCase{"OtherModeUnchanged", "MS", "a ES b MS c", "a ES b MS c"},
+                      BracketCase{"NoModeUnchanged", "??", "a es b", "a es b"}),
     [](const auto &named) { return std::string(named.param.name); });
 
 TEST(PrintRawLineEs, BracketsAndHighlightsTogether) {
@@ -160,7 +187,8 @@ TEST(AnalyseSpot, ComputesThePathOnlyForTwoLocators) {
         ScriptedPlatform platform;
         // A wrong own locator makes every path computation visible.
         s.OwnLocator = QStringLiteral("JO62QZ");
-        s.Spot_Line = Prepare_ClusterLine(clusterLine("DL1ABC", "50110.0", "OH1XYZ", c.comment, "1234"));
+        s.Spot_Line =
+            Prepare_ClusterLine(clusterLine("DL1ABC", "50110.0", "OH1XYZ", c.comment, "1234"));
         Analyse_Spot(s, platform);
         EXPECT_EQ(s.Spot_DXCall, QStringLiteral("OH1XYZ")) << c.comment;
         EXPECT_EQ(s.Locator_1, QString::fromLatin1(c.locator1)) << c.comment;
@@ -174,7 +202,8 @@ TEST(AnalyseSpot, ComputesThePathOnlyForTwoLocators) {
 TEST(AnalyseSpot, AnEsSpotPrintsItsWholeResultLine) {
     ProgramState s = analysisState();
     ScriptedPlatform platform;
-    s.Spot_Line = Prepare_ClusterLine(clusterLine("DL1ABC", "50150.0", "OH1XYZ", "JO62QM<ES>KP20", "1234"));
+    s.Spot_Line =
+        Prepare_ClusterLine(clusterLine("DL1ABC", "50150.0", "OH1XYZ", "JO62QM<ES>KP20", "1234"));
     Analyse_Spot(s, platform);
     ASSERT_EQ(s.Spot_Mode, QStringLiteral("ES"));
     TestPanes panes;

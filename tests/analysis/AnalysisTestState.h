@@ -3,25 +3,21 @@
 #include "ProgramState.h"
 #include "RecordingPane.h"
 #include "ResultPanes.h"
+#include "RunTimeError.h"
 #include "SpotLineParsing.h"
 
+#include <gtest/gtest.h>
+
 #include <array>
-#include <cmath>
 #include <cstdint>
 
-// Colour values the program keeps as the texts below.
 inline constexpr std::uint32_t Black = 0;
 inline constexpr std::uint32_t Magenta = 0xFF00FF;
 inline constexpr std::uint32_t Grey = 0xB0B0B0;
 
-// The state the analysis sees after start-up, with own locator JO62QM and
-// the cluster column table.
+// The state after start-up, own locator JO62QM, cluster columns.
 inline zkr::ProgramState analysisState() {
     zkr::ProgramState s;
-    s.Pi = 4.0 * std::atan(1.0);
-    s.Rad2Deg = 180.0 / s.Pi;
-    s.Deg2Rad = s.Pi / 180.0;
-    s.CrLf = QStringLiteral("\r\n");
     s.EarthRadius = 6367;
     s.EsLayerHeight = 110;
     s.Distance_Limit = 1500;
@@ -32,16 +28,23 @@ inline zkr::ProgramState analysisState() {
     s.IniFileName = QStringLiteral("zkr_muf.ini");
     s.OwnLocator = QStringLiteral("JO62QM");
     s.SpotLine_Columns = zkr::ClusterColumns;
-    s.Column_Count = 15;
     return s;
 }
 
-// Four recording panes and the pointers the printers take.
 struct TestPanes {
     TestPanes() = default;
     TestPanes(const TestPanes &) = delete;
     TestPanes &operator=(const TestPanes &) = delete;
-
     std::array<RecordingPane, 4> pane;
     zkr::ResultPanes all{&pane[0], &pane[1], &pane[2], &pane[3]};
 };
+
+template <typename Call>
+void expectFault(Call &&call, zkr::RunTimeError::Code code, const std::string &what) {
+    try {
+        call();
+        ADD_FAILURE() << what << ": no run-time error";
+    } catch (const zkr::RunTimeError &error) {
+        EXPECT_EQ(error.code(), code) << what;
+    }
+}

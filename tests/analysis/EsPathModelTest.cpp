@@ -111,6 +111,21 @@ TEST(ComputeEsPath, MatchesTheHandWorkedPaths) {
     }
 }
 
+TEST(ComputeEsPath, AHopBeyondTheHorizonIsTakenAtElevationZero) {
+    // London to Cyprus, 3534 km: the hop's elevation is -4.44 degrees, taken
+    // as 0, so 1 - k cos^2 E = 1 - k: the MUF is the spot frequency and the
+    // critical frequency f sqrt(1 - k) = 50.15 * 0.1835154 = 9.2033 MHz.
+    ProgramState s = analysisState();
+    ScriptedPlatform platform;
+    s.Locator_1 = QStringLiteral("IO91WM");
+    s.Locator_2 = QStringLiteral("KM72??");
+    s.Spot_Frequency = 50.150f;
+    Compute_EsPath(s, platform);
+    EXPECT_NEAR(s.Path_Elevation, -4.439759767253495, 1e-9);
+    EXPECT_NEAR(s.Es_MUF, 50.150001525878906, 1e-9);
+    EXPECT_NEAR(s.Es_CriticalFrequency, 9.2032992707395, 1e-9);
+}
+
 TEST(ComputeEsPath, AWrongOwnLocatorIsReportedAndChangesNothing) {
     for (const char *own : {"JO62QZ", "jo62qm", ""}) {
         ProgramState s = analysisState();

@@ -3,6 +3,7 @@
 #include "ProgramState.h"
 #include "UpperCase.h"
 
+#include <bit>
 #include <string_view>
 
 namespace zkr {
@@ -27,46 +28,55 @@ QString modeText(SpotModeKind mode) {
     return QStringLiteral("??");
 }
 
-// What a text is made of: its ASCII characters and (hashed) pairs of
-// adjacent characters. A test whose marker has a character or pair the
-// comment lacks cannot succeed and is skipped without a search; most
-// comments carry no marker and pass all 63 tests this way. Markers are
-// ASCII; other characters of a comment cannot match them.
-struct Signature {
-    std::uint64_t low = 0;   // characters 0-63
-    std::uint64_t high = 0;  // characters 64-127
-    std::uint64_t pairs = 0; // adjacent pairs, hashed to 64 bits
-
-    constexpr bool includes(const Signature &other) const {
-        return (other.low & ~low) == 0 && (other.high & ~high) == 0 && (other.pairs & ~pairs) == 0;
+// Every marker contains the word of its mode (ES, MS, TR, EME, SAT, MUF),
+// so only the tests of modes whose word occurs in the comment can succeed.
+// Bit i of a mode's mask marks test i.
+constexpr std::array<std::uint64_t, 6> ModeTestMasks = [] {
+    std::array<std::uint64_t, 6> masks{};
+    for (std::size_t i = 0; i < ModeMarkerTests.size(); ++i) {
+        masks[static_cast<std::size_t>(ModeMarkerTests[i].mode)] |= std::uint64_t{1} << i;
     }
+    return masks;
+}();
+static_assert(ModeMarkerTests.size() <= 64, "one bit per test");
+
+struct CommentScan {
+    std::uint64_t candidates = 0; // tests that may succeed
+    bool mayChangeCase = false;   // lower case or beyond ASCII
 };
 
-constexpr Signature signatureOf(std::u16string_view text) {
-    Signature signature;
-    char16_t previous = 0;
+// One pass over the comment for the mode words and its case.
+CommentScan scanComment(std::u16string_view text) {
+    CommentScan scan;
+    const auto at = [&text](std::size_t i) { return i < text.size() ? text[i] : u'\0'; };
+    const auto add = [&scan](SpotModeKind mode) {
+        scan.candidates |= ModeTestMasks[static_cast<std::size_t>(mode)];
+    };
     for (std::size_t i = 0; i < text.size(); ++i) {
         const char16_t c = text[i];
-        if (c < 64) {
-            signature.low |= std::uint64_t{1} << c;
-        } else if (c < 128) {
-            signature.high |= std::uint64_t{1} << (c - 64);
+        scan.mayChangeCase |= static_cast<char16_t>(c - u'a') < 26 || c >= 0x80;
+        const char16_t next = at(i + 1);
+        if (c == u'E' && next == u'S') {
+            add(SpotModeKind::ES);
+        } else if (c == u'E' && next == u'M' && at(i + 2) == u'E') {
+            add(SpotModeKind::EME);
+        } else if (c == u'M' && next == u'S') {
+            add(SpotModeKind::MS);
+        } else if (c == u'M' && next == u'U' && at(i + 2) == u'F') {
+            add(SpotModeKind::MUF);
+        } else if (c == u'T' && next == u'R') {
+            add(SpotModeKind::TR);
+        } else if (c == u'S' && next == u'A' && at(i + 2) == u'T') {
+            add(SpotModeKind::SAT);
         }
-        if (i > 0) {
-            signature.pairs |= std::uint64_t{1} << ((previous * 31U + c) & 63U);
-        }
-        previous = c;
     }
-    return signature;
+    return scan;
 }
 
-constexpr std::array<Signature, ModeMarkerTests.size()> MarkerSignatures = [] {
-    std::array<Signature, ModeMarkerTests.size()> signatures{};
-    for (std::size_t i = 0; i < signatures.size(); ++i) {
-        signatures[i] = signatureOf(ModeMarkerTests[i].marker);
-    }
-    return signatures;
-}();
+std::u16string_view viewOf(const QString &text) {
+    return std::u16string_view(reinterpret_cast<const char16_t *>(text.constData()),
+                               static_cast<std::size_t>(text.size()));
+}
 
 // Where the marker sits in `comment` if the test succeeds, else -1. Plain
 // string-view searches: for texts this short they beat a general search.
@@ -97,15 +107,17 @@ void Find_Mode(ProgramState &state) {
         state.Spot_Mode = QStringLiteral("TR");
         return;
     }
-    QString comment = upperCase(state.Comment_Upper);
-    const std::u16string_view text(reinterpret_cast<const char16_t *>(comment.utf16()),
-                                   static_cast<std::size_t>(comment.size()));
-    const Signature present = signatureOf(text);
-    for (std::size_t i = 0; i < ModeMarkerTests.size(); ++i) {
-        if (!present.includes(MarkerSignatures[i])) {
-            continue;
-        }
-        const ModeMarkerTest &test = ModeMarkerTests[i];
+    // Comment_Upper is upper case already unless someone else set it.
+    QString comment = state.Comment_Upper;
+    CommentScan scan = scanComment(viewOf(comment));
+    if (scan.mayChangeCase) {
+        comment = upperCase(comment);
+        scan = scanComment(viewOf(comment));
+    }
+    const std::u16string_view text = viewOf(comment);
+    for (std::uint64_t left = scan.candidates; left != 0; left &= left - 1) {
+        const ModeMarkerTest &test =
+            ModeMarkerTests[static_cast<std::size_t>(std::countr_zero(left))];
         const qsizetype at = markerPosition(text, test);
         if (at >= 0) {
             state.Spot_Mode = modeText(test.mode);

@@ -17,9 +17,19 @@ char16_t upperOf(char16_t c) {
 
 QString upperCase(const QString &text) {
     const qsizetype size = text.size();
-    const char16_t *source = reinterpret_cast<const char16_t *>(text.utf16());
+    const QChar *source = text.constData();
+    // Spot texts are short and mostly upper-case ASCII already: a scan
+    // without branches finds out whether anything can change at all.
+    bool mayChange = false;
+    for (qsizetype i = 0; i < size; ++i) {
+        const char16_t c = source[i].unicode();
+        mayChange |= static_cast<char16_t>(c - u'a') < 26 || c >= 0x80;
+    }
+    if (!mayChange) {
+        return text;
+    }
     qsizetype first = 0;
-    while (first < size && upperOf(source[first]) == source[first]) {
+    while (first < size && upperOf(source[first].unicode()) == source[first].unicode()) {
         ++first;
     }
     if (first == size) {

@@ -11,4 +11,28 @@ struct ProgramState;
 // Locator_Wrong and returns it.
 bool Check_Locator(ProgramState &state, const QString &locator);
 
+// Finds the locators of the spot: Comment_Upper becomes the upper-cased
+// Spot_Comment, and the first two locators in it are cut out (each cut is
+// followed by a trim) into Locator_1 and Locator_2. A six-character locator
+// (A-R A-R 0-9 0-9 A-Z A-Z) anywhere in the text is taken before a
+// four-character one; a four-character locator is completed with "??".
+void Find_Locators(ProgramState &state);
+
+// Centre of the locator's subsquare in degrees (north and east positive).
+// A locator ending in "??" is first rewritten, in the caller's text, to its
+// square followed by "LL": a square alone is taken at the centre of its
+// subsquare LL, slightly south-west of the square's centre. Throws
+// RunTimeError(InvalidArgument) for a locator shorter than six characters
+// (after that rewrite), so also for a four-character own locator, and
+// RunTimeError(Overflow) for character codes that overflow the 16-bit field
+// arithmetic.
+void Locator_To_LatLon(QString &locator, double &latitude, double &longitude);
+
+// The six-character locator of a position. Throws RunTimeError(Overflow)
+// for a position that is not a finite number and RunTimeError
+// (InvalidArgument) when a character code falls outside 0-255.
+QString LatLon_To_Locator(double latitude, double longitude);
+// The same, written into `locator`, reusing its storage.
+void LatLon_To_Locator(double latitude, double longitude, QString &locator);
+
 } // namespace zkr

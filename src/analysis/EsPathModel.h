@@ -1,0 +1,67 @@
+#pragma once
+
+#include <cstdint>
+#include <numbers>
+
+namespace zkr {
+
+struct ProgramState;
+class Platform;
+
+// The angle constants of the path model; they equal what start-up stores in
+// the program state (4 x arc tangent of 1 is the double nearest to pi).
+inline constexpr double Pi = std::numbers::pi;
+inline constexpr double Deg2Rad = Pi / 180.0;
+inline constexpr double Rad2Deg = 180.0 / Pi;
+
+// Every function below takes and returns degrees unless it says otherwise.
+// A floating-point fault (division by zero, overflow) throws RunTimeError
+// instead of producing an infinity or NaN.
+
+// Central angle between a and b in radians. The cosine is clamped to
+// +-0.99999999999, so identical points give about 4.5e-6 rather than 0.
+double Great_Circle_Angle(double latA, double latB, double lonA, double lonB);
+
+// Initial course from a towards b, clockwise from north, 0 to below 360. A
+// latitude of b of exactly 0 is taken as 0.000001. When the denominator of
+// the course's tangent is exactly 0 it throws RunTimeError(DivisionByZero),
+// or RunTimeError(Overflow) when the numerator is 0 as well.
+double Azimuth(double latA, double latB, double lonA, double lonB);
+
+// Midpoint of the great circle from a to b. Note the argument order (each
+// point's latitude next to its longitude), unlike the two functions above.
+double Mid_Longitude(double latA, double lonA, double latB, double lonB);
+double Mid_Latitude(double latA, double lonA, double latB, double lonB);
+
+// Four-quadrant arc tangent of y / x in radians, built from the ordinary arc
+// tangent of the smaller magnitude over the larger. y = x = 0 throws
+// RunTimeError(Overflow).
+double Arc_Tangent2(double y, double x);
+
+// Elevation angle (degrees) under which a station sees a reflecting layer at
+// height `esLayerHeight` above the point at central angle `angle` (radians),
+// on an earth of radius `earthRadius` (both km). Negative when the point is
+// below the station's horizon.
+double Es_Elevation(double angle, std::int16_t earthRadius, std::int16_t esLayerHeight);
+
+struct GeoPoint {
+    double latitude = 0;
+    double longitude = 0;
+};
+
+// The point reached from (latitude, longitude) along the initial course
+// `azimuth` over `distance` on a sphere of radius `radius` (same unit as the
+// distance). The longitude is the start longitude plus a change of -180 to
+// 180 degrees; it is not normalised.
+GeoPoint Destination_Point(double latitude, double longitude, double azimuth, double distance,
+                           double radius);
+
+// The Es path of the current spot from Locator_1, Locator_2 and OwnLocator
+// into the path results of the program state: distances, courses, the
+// midpoint and its locator, elevations, the Es critical frequency, Es MUF,
+// own MUF, and the far point with its locator. A malformed own locator is
+// reported through `platform` and leaves every result as it was. The
+// locator texts ending in "??" are rewritten to "LL" (see Locator_To_LatLon).
+void Compute_EsPath(ProgramState &state, Platform &platform);
+
+} // namespace zkr

@@ -1,7 +1,5 @@
 #include "SpotPage.h"
 
-#include "TextFunctions.h"
-
 namespace zkr {
 
 QString Strip_Tags(QString text) {
@@ -38,27 +36,6 @@ bool Is_ErrorPage(const QString &page) {
     return page.contains(QLatin1String(">Network Error<")) ||
            page.contains(QLatin1String(">Server Error<")) ||
            page.contains(QLatin1String(">Runtime Error<"));
-}
-
-QString Clean_SpotLine(QString line) {
-    const std::pair<const char *, const char *> entities[] = {
-        {"&lt;", "<"}, {"&gt;", ">"}, {"&amp;", "&"}, {"&quot;", "\""}};
-    for (const auto &[entity, plain] : entities) {
-        // Each pass searches again from the start until the entity is gone.
-        const QString from = QString::fromLatin1(entity);
-        const QString to = QString::fromLatin1(plain);
-        while (line.contains(from)) {
-            line.replace(line.indexOf(from), from.size(), to);
-        }
-    }
-    line.remove(QChar(176));
-    const int p = inStr(line, u"<>");
-    if (p > 0) {
-        // The six characters before the "<>" and the "<>" itself become
-        // blanks, so the time and tail columns stay where they were.
-        line = left(line, p - 7) + QString(8, QLatin1Char(' ')) + mid(line, p + 2);
-    }
-    return line;
 }
 
 } // namespace zkr

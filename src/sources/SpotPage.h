@@ -16,8 +16,4 @@ QStringList Split_SpotPage(const QString &strippedPage);
 // True for the service's own error pages.
 bool Is_ErrorPage(const QString &page);
 
-// Turns the HTML character entities of one spot line back into text and
-// drops the degree sign; a "<>" is taken as the end of the spot's comment.
-QString Clean_SpotLine(QString line);
-
 } // namespace zkr

@@ -39,22 +39,4 @@ TEST(IsErrorPage, KnowsTheServiceErrorPages) {
     EXPECT_FALSE(Is_ErrorPage("<h1>server error</h1>"));
 }
 
-TEST(CleanSpotLine, UndoesEntitiesInOrderAndDropsTheDegreeSign) {
-    struct Case {
-        QString in;
-        QString out;
-    } cases[] = {
-        {"JO62&lt;ES&gt;KP20", "JO62<ES>KP20"},
-        {"R&amp;D &quot;x&quot;", "R&D \"x\""},
-        {"&amp;lt;", "&lt;"}, // "&lt;" is undone before "&amp;" makes a new one
-        {"&lt;&lt;&lt;", "<<<"},
-        {QString("55") + QChar(176) + "N", "55N"},
-        // "<>" ends the comment: it and the six characters before it blank out.
-        {"DL1ABC  50110.0 OH1XYZ ABCDEFGH<> 1712", "DL1ABC  50110.0 OH1XYZ AB         1712"},
-    };
-    for (const Case &c : cases) {
-        EXPECT_EQ(Clean_SpotLine(c.in), c.out) << c.in.toStdString();
-    }
-}
-
 } // namespace

@@ -32,7 +32,8 @@ private:
 // Prints the analysed spot as the filter boxes and its mode say. Returns
 // true when it is an Es spot whose results went into the panes.
 bool printSpot(ProgramState &state, const ResultPanes &panes, EvaluationView &view) {
-    if (view.over144Only() && !(view.over144Only() && state.Spot_Frequency >= state.MinFrequency_MHz)) {
+    if (view.over144Only() &&
+        !(view.over144Only() && state.Spot_Frequency >= state.MinFrequency_MHz)) {
         return false;
     }
     const std::uint32_t black = Colour_Value(state.Color_Black);
@@ -42,8 +43,8 @@ bool printSpot(ProgramState &state, const ResultPanes &panes, EvaluationView &vi
         Print_RawLine(state, panes, black, magenta);
     }
     const bool path = !state.Locator_2.isEmpty() && state.Locator_1 != state.Locator_2;
-    const bool computed =
-        path && (state.Spot_Mode == Es || (state.Spot_Mode == QLatin1String("??") && state.Eval_Flag));
+    const bool computed = path && (state.Spot_Mode == Es ||
+                                   (state.Spot_Mode == QLatin1String("??") && state.Eval_Flag));
     if (!computed) {
         if (!esOnly) {
             Print_LineEnd(state, panes);
@@ -156,8 +157,8 @@ void Evaluate_SpotLines(ProgramState &state, Platform &platform, const ResultPan
             Analyse_Spot(state, platform);
             // The printed line takes the shape of a cluster line.
             state.Spot_Line = mid(state.Spot_Line, 1, state.column(9) - 1) + QStringLiteral("  ") +
-                              state.Spot_Time + QLatin1Char(' ') + state.Spot_Tail1 + QLatin1Char(' ') +
-                              state.Spot_Tail2;
+                              state.Spot_Time + QLatin1Char(' ') + state.Spot_Tail1 +
+                              QLatin1Char(' ') + state.Spot_Tail2;
             if (printSpot(state, panes, view)) {
                 gotEs |= Selected_Panes(state);
             }
@@ -169,8 +170,8 @@ void Evaluate_SpotLines(ProgramState &state, Platform &platform, const ResultPan
     const std::uint32_t black = Colour_Value(state.Color_Black);
     for (int i = 0; i < 4; ++i) {
         if ((gotEs & (1u << i)) == 0) {
-            Print_Colored(*panes[static_cast<std::size_t>(i)], QStringLiteral("Sorry - no Es-spots found !"),
-                          black);
+            Print_Colored(*panes[static_cast<std::size_t>(i)],
+                          QStringLiteral("Sorry - no Es-spots found !"), black);
             Print_Colored(*panes[static_cast<std::size_t>(i)], state.CrLf, black);
         }
     }

@@ -7,6 +7,8 @@
 #include <QEvent>
 #include <QFileDialog>
 #include <QInputDialog>
+#include <QLabel>
+#include <QMainWindow>
 #include <QMessageBox>
 #include <QPointer>
 #include <QPushButton>
@@ -21,38 +23,65 @@ namespace zkr {
 
 namespace {
 
-// One-shot: moves the watched box on its first show, then removes itself.
+// The area a centred box is centred over: the program's active window, else
+// its main window when shown (a box may come while another program has
+// the focus), else the screen (first-run prompts come before the main
+// window is shown).
+QRect centringArea(const QWidget *box) {
+    QWidget *active = QApplication::activeWindow();
+    if (active != nullptr && active != box) {
+        return active->frameGeometry();
+    }
+    const QWidgetList windows = QApplication::topLevelWidgets();
+    for (const QWidget *window : windows) {
+        if (window != box && window->isVisible() && qobject_cast<const QMainWindow *>(window)) {
+            return window->frameGeometry();
+        }
+    }
+    const QScreen *screen = QGuiApplication::primaryScreen();
+    return screen != nullptr ? screen->availableGeometry() : QRect(0, 0, 1024, 768);
+}
+
+// One-shot: moves the watched box when it is shown, before it appears on
+// the screen, then removes itself.
 class PlaceOnShow : public QObject {
 public:
     PlaceOnShow(QDialog &box, std::optional<QPoint> topLeft)
         : QObject(&box), box_(&box), topLeft_(topLeft) {}
 
     bool eventFilter(QObject *watched, QEvent *event) override {
-        if (watched == box_ && event->type() == QEvent::Show) {
-            box_->adjustSize();
-            QPoint target;
-            if (topLeft_) {
-                target = *topLeft_;
-            } else {
-                QWidget *over = QApplication::activeWindow();
-                const QRect area = over != nullptr && over != box_
-                                       ? over->frameGeometry()
-                                       : box_->screen()->availableGeometry();
-                const QSize size = box_->frameGeometry().size();
-                target = QPoint(area.left() + area.width() / 2 - size.width() / 2,
-                                area.top() + area.height() / 2 - size.height() / 2);
-            }
-            box_->move(target);
-            box_->removeEventFilter(this);
-            deleteLater();
+        if (watched != box_ || event->type() != QEvent::Show) {
+            return false;
         }
-        return false;
+        // A message box takes its final size in its own show handling, so
+        // that runs first; the box is moved before it is mapped.
+        box_->removeEventFilter(this);
+        QCoreApplication::sendEvent(box_, event);
+        QPoint target;
+        if (topLeft_) {
+            target = *topLeft_;
+        } else {
+            const QRect area = centringArea(box_);
+            const QSize size = box_->frameGeometry().size();
+            target = QPoint(area.left() + area.width() / 2 - size.width() / 2,
+                            area.top() + area.height() / 2 - size.height() / 2);
+        }
+        box_->move(target);
+        deleteLater();
+        return true;
     }
 
 private:
     QPointer<QDialog> box_;
     std::optional<QPoint> topLeft_;
 };
+
+// Boxes show their texts as they are, line ends of any kind.
+QString plainLines(QString text) {
+    text.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
+    text.replace(QLatin1Char('\r'), QLatin1Char('\n'));
+    return text;
+}
 
 QString programTitle(const QString &title) {
     // An empty title shows the application's name, as the desktop would.
@@ -77,8 +106,8 @@ void QtPlatform::placeWhenShown(QDialog &box) {
 int QtPlatform::messageBox(const QString &text, int buttons, const QString &title) {
     QMessageBox box(QApplication::activeWindow());
     box.setWindowTitle(programTitle(title));
-    box.setText(text);
     box.setTextFormat(Qt::PlainText);
+    box.setText(plainLines(text));
     switch (buttons & 0x70) {
     case MsgButtons::Critical:
         box.setIcon(QMessageBox::Critical);
@@ -162,9 +191,13 @@ std::optional<QString> QtPlatform::inputBox(const QString &prompt, const QString
                                             const QString &defaultText) {
     QInputDialog box(QApplication::activeWindow());
     box.setWindowTitle(programTitle(title));
-    box.setLabelText(prompt);
-    box.setTextValue(defaultText);
     box.setInputMode(QInputDialog::TextInput);
+    box.setLabelText(plainLines(prompt));
+    box.setTextValue(defaultText);
+    const QList<QLabel *> labels = box.findChildren<QLabel *>();
+    for (QLabel *label : labels) {
+        label->setTextFormat(Qt::PlainText);
+    }
     placeWhenShown(box);
     if (box.exec() != QDialog::Accepted) {
         return std::nullopt;

@@ -21,6 +21,8 @@ QString RunTimeError::description(Code code) {
         return QStringLiteral("Division by zero");
     case TypeMismatch:
         return QStringLiteral("Type mismatch");
+    case FileNotFound:
+        return QStringLiteral("File not found");
     }
     return QStringLiteral("Application-defined error");
 }

@@ -18,6 +18,7 @@ public:
         Overflow = 6,
         SubscriptOutOfRange = 9,
         DivisionByZero = 11,
+        FileNotFound = 53,
         TypeMismatch = 13,
     };
 

@@ -1,48 +1,348 @@
 #include "frmZKR_MUF.h"
 
+#include "BgrColour.h"
+#include "Int16Arithmetic.h"
 #include "Platform.h"
 #include "ProgramState.h"
+#include "RunTimeError.h"
+#include "SetupDialogStandIn.h"
+#include "SiteDefaults.h"
 #include "Startup.h"
+#include "frmInfo.h"
 
+#include <QAction>
+#include <QCheckBox>
+#include <QCloseEvent>
+#include <QFontDatabase>
+#include <QGridLayout>
 #include <QHBoxLayout>
+#include <QKeyEvent>
 #include <QLabel>
+#include <QMouseEvent>
 #include <QPlainTextEdit>
+#include <QPushButton>
 #include <QTabWidget>
 #include <QTimer>
 #include <QVBoxLayout>
 
 namespace zkr {
 
+namespace {
+
+const QString WebMode = QStringLiteral("WEBCLUSTER");
+const QString TelnetMode = QStringLiteral("TELNETCLUSTER");
+const QString FileMode = QStringLiteral("FILE");
+
+constexpr std::uint32_t White = 0xFFFFFF;
+constexpr std::uint32_t Black = 0x000000;
+constexpr std::uint32_t Teal = 0xC0C000;
+constexpr std::uint32_t LightYellow = 0xC0FFFF;
+constexpr std::uint32_t Yellow = 0x00FFFF;
+constexpr std::uint32_t Red = 0x0000FF;
+
+void setBackground(QWidget *widget, const QColor &colour) {
+    widget->setAutoFillBackground(true);
+    QPalette palette = widget->palette();
+    palette.setColor(widget->backgroundRole(), colour);
+    widget->setPalette(palette);
+}
+
+void setForeground(QWidget *widget, const QColor &colour) {
+    QPalette palette = widget->palette();
+    palette.setColor(widget->foregroundRole(), colour);
+    widget->setPalette(palette);
+}
+
+QPoint centredOver(const QRect &main, QSize own) {
+    return QPoint(main.left() + main.width() / 2 - own.width() / 2,
+                  main.top() + main.height() / 2 - own.height() / 2);
+}
+
+} // namespace
+
 frmZKR_MUF::frmZKR_MUF(ProgramState &state, Platform &platform, QWidget *parent)
-    : QMainWindow(parent), state_(state), platform_(platform) {
+    : QMainWindow(parent), state_(state), platform_(platform),
+      setupStandIn_(std::make_unique<SetupDialogStandIn>(state)), setupDialog_(setupStandIn_.get()),
+      settings_(state, platform, *this, *setupDialog_) {
+    setObjectName(QStringLiteral("frmZKR_MUF"));
+    buildControls();
+    applyColours();
+}
+
+frmZKR_MUF::~frmZKR_MUF() = default;
+
+void frmZKR_MUF::buildControls() {
     auto *central = new QWidget(this);
     auto *column = new QVBoxLayout(central);
-    auto *labels = new QHBoxLayout;
-    Label_OwnCall_ = new QLabel(central);
-    Label_OwnLocator_ = new QLabel(central);
+    column->setContentsMargins(6, 6, 6, 6);
+    column->setSpacing(4);
+
+    auto *top = new QHBoxLayout;
+    top->setSpacing(6);
+    auto makeLabel = [central](const char *name) {
+        auto *label = new QLabel(central);
+        label->setObjectName(QLatin1String(name));
+        // Captions carry network text (cluster names, hosts).
+        label->setTextFormat(Qt::PlainText);
+        label->setMargin(3);
+        return label;
+    };
+    Label_OwnCall_ = makeLabel("Label_OwnCall");
+    Label_OwnLocator_ = makeLabel("Label_OwnLocator");
+    Label_Telnet_Status_ = makeLabel("Label_Telnet_Status");
+    Label2_ = makeLabel("Label2");
     Label_OwnCall_->setVisible(false);
     Label_OwnLocator_->setVisible(false);
-    labels->addWidget(Label_OwnCall_);
-    labels->addWidget(Label_OwnLocator_);
-    labels->addStretch();
-    column->addLayout(labels);
+    Label_Telnet_Status_->setVisible(false);
+    Label2_->setVisible(false);
+    Label_Telnet_Status_->setCursor(Qt::PointingHandCursor);
+    Label_Telnet_Status_->installEventFilter(this);
+    top->addWidget(Label_OwnCall_);
+    top->addWidget(Label_OwnLocator_);
+    top->addWidget(Label_Telnet_Status_, 1);
+    top->addWidget(Label2_);
+
+    Check_Over144MHZOnly_ = new QCheckBox(QStringLiteral("only spots >= 144&MHz"), central);
+    Check_Over144MHZOnly_->setObjectName(QStringLiteral("Check_Over144MHZOnly"));
+    Check_EsSpotsOnly_ = new QCheckBox(QStringLiteral("only Es-spo&ts"), central);
+    Check_EsSpotsOnly_->setObjectName(QStringLiteral("Check_EsSpotsOnly"));
+    top->addWidget(Check_Over144MHZOnly_);
+    top->addWidget(Check_EsSpotsOnly_);
+    top->addStretch(0);
+
+    auto makeButton = [central, top](const QString &caption, const char *name) {
+        auto *button = new QPushButton(caption, central);
+        button->setObjectName(QLatin1String(name));
+        button->setAutoDefault(false);
+        top->addWidget(button);
+        return button;
+    };
+    Setup_ = makeButton(QStringLiteral("&Setup"), "Setup");
+    About_ = makeButton(QStringLiteral("&About"), "About");
+    Command_End_ = makeButton(QStringLiteral("&EXIT"), "Command_End");
+    column->addLayout(top);
+
+    copyAction_ = new QAction(QStringLiteral("&Copy"), this);
+    copyAction_->setObjectName(QStringLiteral("copyAction"));
+    copyAction_->setShortcut(QKeySequence::Copy);
+    copyAction_->setShortcutContext(Qt::WindowShortcut);
+    addAction(copyAction_);
 
     SSTab1_ = new QTabWidget(central);
-    for (const char *caption : {"All", "VHF", "2m", "Es"}) {
-        auto *pane = new QPlainTextEdit(SSTab1_);
-        pane->setReadOnly(true);
-        SSTab1_->addTab(pane, QString::fromLatin1(caption));
+    SSTab1_->setObjectName(QStringLiteral("SSTab1"));
+    const std::array<const char *, PaneCount> captions{"All", "VHF", "2m", "Es"};
+    for (int i = 0; i < PaneCount; ++i) {
+        auto *page = new QWidget(SSTab1_);
+        auto *stack = new QGridLayout(page);
+        stack->setContentsMargins(0, 0, 0, 0);
+        // Both panes of a tab share one rectangle: the output is built in
+        // the hidden one and copied to the visible one in one piece.
+        RichTextBox1_[static_cast<std::size_t>(i)] = createPane(page);
+        RichTextBox2_[static_cast<std::size_t>(i)] = createPane(page);
+        RichTextBox1_[static_cast<std::size_t>(i)]->setObjectName(
+            QStringLiteral("RichTextBox1_%1").arg(i));
+        RichTextBox2_[static_cast<std::size_t>(i)]->setObjectName(
+            QStringLiteral("RichTextBox2_%1").arg(i));
+        stack->addWidget(RichTextBox2_[static_cast<std::size_t>(i)], 0, 0);
+        stack->addWidget(RichTextBox1_[static_cast<std::size_t>(i)], 0, 0);
+        RichTextBox2_[static_cast<std::size_t>(i)]->setVisible(false);
+        SSTab1_->addTab(page, QLatin1String(captions[static_cast<std::size_t>(i)]));
     }
-    column->addWidget(SSTab1_);
+    column->addWidget(SSTab1_, 1);
     setCentralWidget(central);
-    resize(1010, 540);
+
+    setTabOrder(SSTab1_, Setup_);
+    setTabOrder(Setup_, About_);
+    setTabOrder(About_, Command_End_);
 
     Timer1_ = new QTimer(this);
+    Timer1_->setObjectName(QStringLiteral("Timer1"));
+
+    connect(Timer1_, &QTimer::timeout, this, [this] { runHandler([this] { Timer1_Timer(); }); });
+    connect(Check_EsSpotsOnly_, &QCheckBox::clicked, this,
+            [this] { runHandler([this] { Check_EsSpotsOnly_Click(); }); });
+    connect(Check_Over144MHZOnly_, &QCheckBox::clicked, this,
+            [this] { runHandler([this] { Check_Over144MHZOnly_Click(); }); });
+    connect(Command_End_, &QPushButton::clicked, this, [this] { Command_End_Click(); });
+    connect(About_, &QPushButton::clicked, this, [this] { runHandler([this] { About_Click(); }); });
+    connect(Setup_, &QPushButton::clicked, this, [this] { runHandler([this] { Setup_Click(); }); });
+    connect(copyAction_, &QAction::triggered, this, [this] { Copy_Click(); });
+
+    // Room for panes of 15100 x 6840 twips (about 1007 x 456 pixels).
+    resize(1024, 540);
+}
+
+QPlainTextEdit *frmZKR_MUF::createPane(QWidget *parent) {
+    auto *pane = new QPlainTextEdit(parent);
+    pane->setReadOnly(true);
+    pane->setLineWrapMode(QPlainTextEdit::NoWrap);
+    pane->setFont(paneFont(10));
+    pane->setContextMenuPolicy(Qt::ActionsContextMenu);
+    pane->addAction(copyAction_);
+    pane->installEventFilter(this);
+    return pane;
+}
+
+QString frmZKR_MUF::paneText(QWidget *pane, bool selectionOnly) {
+    auto *edit = qobject_cast<QPlainTextEdit *>(pane);
+    if (edit == nullptr) {
+        return QString();
+    }
+    if (selectionOnly) {
+        return edit->textCursor().selectedText().replace(QChar::ParagraphSeparator,
+                                                         QLatin1Char('\n'));
+    }
+    return edit->toPlainText();
+}
+
+void frmZKR_MUF::clearPane(QWidget *pane) {
+    if (auto *edit = qobject_cast<QPlainTextEdit *>(pane)) {
+        edit->clear();
+    }
+}
+
+QFont frmZKR_MUF::paneFont(int pointSize) {
+    // Columns of the output only line up in a fixed-pitch font.
+    QFont font = QFontDatabase::hasFamily(QStringLiteral("Courier New"))
+                     ? QFont(QStringLiteral("Courier New"))
+                     : QFontDatabase::systemFont(QFontDatabase::FixedFont);
+    font.setStyleHint(QFont::TypeWriter);
+    font.setFixedPitch(true);
+    font.setPointSize(pointSize);
+    return font;
+}
+
+QWidget *frmZKR_MUF::displayPane(int index) const {
+    return RichTextBox1_.at(static_cast<std::size_t>(index));
+}
+
+QWidget *frmZKR_MUF::workingPane(int index) const {
+    return RichTextBox2_.at(static_cast<std::size_t>(index));
+}
+
+frmInfo &frmZKR_MUF::aboutWindow() {
+    if (info_ == nullptr) {
+        info_ = new frmInfo(state_, platform_, this);
+    }
+    return *info_;
+}
+
+void frmZKR_MUF::setSpotPageEvaluation(std::function<void()> evaluate) {
+    evaluateSpotPage_ = std::move(evaluate);
+}
+
+void frmZKR_MUF::setClusterLineEvaluation(std::function<void()> evaluate) {
+    evaluateClusterLine_ = std::move(evaluate);
+}
+
+void frmZKR_MUF::runHandler(const std::function<void()> &handler) {
+    try {
+        handler();
+    } catch (const RunTimeError &error) {
+        reportRunTimeError(platform_, error);
+    }
 }
 
 void frmZKR_MUF::Form_Load() {
     zkr::Form_Load(state_, platform_, *this);
 }
+
+// --- Layout passes ---
+
+void frmZKR_MUF::applyColours() {
+    setBackground(Label_Telnet_Status_, fromBgr(White));
+    setForeground(Label_Telnet_Status_, fromBgr(Black));
+    Label_Telnet_Status_->setVisible(false);
+    setBackground(Check_Over144MHZOnly_, fromBgr(Teal));
+    setBackground(Check_EsSpotsOnly_, fromBgr(Teal));
+    setBackground(Label_OwnCall_, fromBgr(Teal));
+    setBackground(Label_OwnLocator_, fromBgr(Teal));
+    // The desktop's colour of inactive window borders.
+    setBackground(Command_End_, palette().color(QPalette::Inactive, QPalette::Window));
+    setBackground(Label2_, fromBgr(LightYellow));
+}
+
+void frmZKR_MUF::layoutInitial() {
+    applyColours();
+    settings_.Read_Position();
+    const QSize screen = platform_.screenSize();
+    try {
+        moveMainWindow(
+            Main_WindowPosition(state_.Pos_Left, state_.Pos_Top, screen, mainWindowSize()));
+    } catch (const RunTimeError &) {
+        // Reported when start-up places the window once more.
+        moveMainWindow(Main_WindowPosition(QString(), QString(), screen, mainWindowSize()));
+    }
+    centreDialogsOverMain();
+    state_.Color_Black = QStringLiteral("0");
+    state_.Color_Magenta = QString::number(0xFF00FF);
+    state_.Color_Grey = QString::number(0xB0B0B0);
+    state_.MinFrequency_MHz = 144;
+    // The panes fill their tab (see buildControls).
+    applyModeSettings(false);
+}
+
+void frmZKR_MUF::layoutByMode() {
+    applyColours();
+    applyModeSettings(true);
+    if (state_.RunMode == TelnetMode && state_.Settings_Created) {
+        // After a first run the user picks a cluster.
+        setupDialog_->centreOver(frameGeometry());
+        setupDialog_->showInFront();
+        platform_.processEvents();
+        state_.Settings_Created = false;
+    }
+}
+
+void frmZKR_MUF::applyModeSettings(bool secondPass) {
+    const QString mode = state_.RunMode.toUpper();
+    const bool web = mode == WebMode;
+    if (!web && mode != TelnetMode && mode != FileMode) {
+        return;
+    }
+    const QFont font = paneFont(web ? 8 : 10);
+    for (int i = 0; i < PaneCount; ++i) {
+        for (QWidget *pane : {displayPane(i), workingPane(i)}) {
+            pane->setFont(font);
+            if (web) {
+                clearPane(pane);
+            }
+        }
+    }
+    for (int i = PaneCount - 1; i >= 0; --i) {
+        SSTab1_->setTabEnabled(i, true);
+    }
+    // The two filters are not offered in this version.
+    for (QCheckBox *filter : {Check_Over144MHZOnly_, Check_EsSpotsOnly_}) {
+        filter->setEnabled(false);
+        filter->setVisible(false);
+        filter->setChecked(false);
+    }
+    if (web) {
+        Label_Telnet_Status_->setText(QStringLiteral("Listen to ") + site::WebClusterBase);
+        setBackground(Label_Telnet_Status_, fromBgr(Yellow));
+        Label_Telnet_Status_->setVisible(true);
+        if (secondPass) {
+            Timer1_->start();
+        }
+    } else {
+        Timer1_->stop();
+        Label2_->setVisible(false);
+        SSTab1_->setCurrentIndex(0);
+        if (mode == FileMode) {
+            state_.FileMode_Active = true;
+            state_.Web_Offline = false;
+        }
+    }
+    if (web && secondPass) {
+        platform_.processEvents();
+        if (evaluateSpotPage_) {
+            evaluateSpotPage_();
+        }
+    }
+}
+
+// --- StartupWindow ---
 
 void frmZKR_MUF::setMainCaption(const QString &caption) {
     setWindowTitle(caption);
@@ -60,9 +360,9 @@ void frmZKR_MUF::setTimerEnabled(bool enabled) {
     }
 }
 
-void frmZKR_MUF::layoutInitial() {}
-
-void frmZKR_MUF::checkSettingsFile() {}
+void frmZKR_MUF::checkSettingsFile() {
+    settings_.Check_SettingsFile();
+}
 
 void frmZKR_MUF::showOwnCallLabels(const QString &callCaption, const QString &locatorCaption) {
     Label_OwnCall_->setText(callCaption);
@@ -77,7 +377,9 @@ void frmZKR_MUF::selectTab(int index) {
     }
 }
 
-void frmZKR_MUF::setSetupSaveEnabled(bool) {}
+void frmZKR_MUF::setSetupSaveEnabled(bool enabled) {
+    setupDialog_->setSaveEnabled(enabled);
+}
 
 QSize frmZKR_MUF::mainWindowSize() {
     return frameGeometry().size();
@@ -87,14 +389,202 @@ void frmZKR_MUF::moveMainWindow(QPoint topLeft) {
     move(topLeft);
 }
 
-void frmZKR_MUF::centreDialogsOverMain() {}
+void frmZKR_MUF::centreDialogsOverMain() {
+    const QRect main = frameGeometry();
+    setupDialog_->centreOver(main);
+    frmInfo &info = aboutWindow();
+    info.move(centredOver(main, info.frameGeometry().size()));
+}
 
-void frmZKR_MUF::prepareDeveloperConsole() {}
+void frmZKR_MUF::prepareDeveloperConsole() {
+    // Filled by the telnet console.
+}
 
-void frmZKR_MUF::layoutByMode() {}
+void frmZKR_MUF::telnetConnect() {
+    // Filled by the telnet session.
+}
 
-void frmZKR_MUF::telnetConnect() {}
+void frmZKR_MUF::replaySpotFile() {
+    // Filled by the file replay.
+}
 
-void frmZKR_MUF::replaySpotFile() {}
+// --- MainWindowLink and MainStatusLabel ---
+
+int frmZKR_MUF::windowLeft() const {
+    return pos().x();
+}
+
+int frmZKR_MUF::windowTop() const {
+    return pos().y();
+}
+
+bool frmZKR_MUF::isWindowMinimized() const {
+    return isMinimized();
+}
+
+int frmZKR_MUF::selectedTab() const {
+    return SSTab1_->currentIndex();
+}
+
+void frmZKR_MUF::Winsock_Close() {
+    // The socket itself is closed by the telnet session.
+    state_.Telnet_Connected = false;
+    Label_Telnet_Status_->setVisible(true);
+    Label_Telnet_Status_->setText(QStringLiteral(" Not connected !") +
+                                  QStringLiteral(" Click to Check Setup or check your firewall "
+                                                 "settings !"));
+    setBackground(Label_Telnet_Status_, fromBgr(Red));
+    Label_Telnet_Status_->setEnabled(true);
+    platform_.processEvents();
+}
+
+void frmZKR_MUF::unloadAllWindows() {
+    unloading_ = true;
+    setupDialog_->unload();
+    if (info_ != nullptr) {
+        info_->close();
+    }
+    close();
+}
+
+void frmZKR_MUF::showStatusCaption(const QString &caption) {
+    Label_Telnet_Status_->setText(caption);
+    Label_Telnet_Status_->setVisible(true);
+}
+
+// --- Event handlers ---
+
+void frmZKR_MUF::Timer1_Timer() {
+    state_.Refresh_Seconds = add16(state_.Refresh_Seconds, 1);
+    if (state_.Refresh_Seconds >= 60) {
+        state_.Refresh_Seconds = 0;
+        if (evaluateSpotPage_) {
+            evaluateSpotPage_();
+        }
+    }
+}
+
+void frmZKR_MUF::Check_EsSpotsOnly_Click() {
+    filterClicked(state_.EsSpotsOnly_Changed);
+}
+
+void frmZKR_MUF::Check_Over144MHZOnly_Click() {
+    filterClicked(state_.Over144_Changed);
+}
+
+void frmZKR_MUF::filterClicked(bool &changedFlag) {
+    if (state_.Loading_Settings) {
+        return;
+    }
+    changedFlag = true;
+    state_.SpotPage_Previous.clear();
+    if (state_.RunMode == WebMode) {
+        if (evaluateSpotPage_) {
+            evaluateSpotPage_();
+        }
+        state_.Refresh_Seconds = 0;
+    } else if (state_.RunMode == TelnetMode) {
+        state_.Busy = true;
+        if (!state_.Telnet_Connected) {
+            state_.Busy = false;
+            return;
+        }
+        for (int i = 0; i < PaneCount; ++i) {
+            clearPane(workingPane(i));
+        }
+        Label2_->setVisible(true);
+        // Line 0 is deliberately not evaluated again.
+        for (qsizetype i = 1; i < state_.SpotLines.size(); ++i) {
+            state_.CurrentSpotLine = state_.SpotLines.at(i);
+            if (evaluateClusterLine_) {
+                evaluateClusterLine_();
+            }
+        }
+        Label2_->setVisible(false);
+        platform_.processEvents();
+        state_.Busy = false;
+    }
+}
+
+void frmZKR_MUF::Label_Telnet_Status_Click() {
+    if (state_.RunMode != WebMode) {
+        state_.RunMode = TelnetMode;
+        if (!state_.Telnet_Connected) {
+            Setup_Click();
+        }
+    } else {
+        Timer1_->start();
+        if (evaluateSpotPage_) {
+            evaluateSpotPage_();
+        }
+    }
+}
+
+void frmZKR_MUF::Command_End_Click() {
+    state_.Busy = true;
+    settings_.shutDown();
+}
+
+void frmZKR_MUF::About_Click() {
+    Timer1_->stop();
+    frmInfo &info = aboutWindow();
+    info.move(centredOver(frameGeometry(), info.frameGeometry().size()));
+    info.show();
+    // Its frame is only known once shown the first time.
+    info.move(centredOver(frameGeometry(), info.frameGeometry().size()));
+    info.raise();
+    info.activateWindow();
+    if (state_.RunMode == WebMode) {
+        Timer1_->start();
+    }
+}
+
+void frmZKR_MUF::Setup_Click() {
+    setupDialog_->Setup_Click();
+}
+
+void frmZKR_MUF::Copy_Click() {
+    QWidget *pane = displayPane(SSTab1_->currentIndex());
+    QString text = paneText(pane, true);
+    if (text.isEmpty()) {
+        text = paneText(pane, false);
+    }
+    platform_.clearClipboard();
+    platform_.setClipboardText(text);
+}
+
+// --- Qt events ---
+
+void frmZKR_MUF::closeEvent(QCloseEvent *event) {
+    if (unloading_) {
+        event->accept();
+        return;
+    }
+    // Closing by the frame ends the program like EXIT, position saved.
+    event->ignore();
+    Command_End_Click();
+}
+
+bool frmZKR_MUF::eventFilter(QObject *watched, QEvent *event) {
+    if (watched == Label_Telnet_Status_ && event->type() == QEvent::MouseButtonRelease &&
+        static_cast<QMouseEvent *>(event)->button() == Qt::LeftButton) {
+        runHandler([this] { Label_Telnet_Status_Click(); });
+        return true;
+    }
+    // The panes' own copy would bypass the program's clipboard handling.
+    if (qobject_cast<QPlainTextEdit *>(watched) != nullptr) {
+        if (event->type() == QEvent::ShortcutOverride &&
+            static_cast<QKeyEvent *>(event)->matches(QKeySequence::Copy)) {
+            event->accept();
+            return true;
+        }
+        if (event->type() == QEvent::KeyPress &&
+            static_cast<QKeyEvent *>(event)->matches(QKeySequence::Copy)) {
+            Copy_Click();
+            return true;
+        }
+    }
+    return QMainWindow::eventFilter(watched, event);
+}
 
 } // namespace zkr

@@ -1,10 +1,21 @@
 #pragma once
 
+#include "MainStatusLabel.h"
+#include "MainWindowLink.h"
+#include "SettingsFile.h"
 #include "StartupWindow.h"
 
 #include <QMainWindow>
 
+#include <array>
+#include <functional>
+#include <memory>
+
+class QAction;
+class QCheckBox;
 class QLabel;
+class QPlainTextEdit;
+class QPushButton;
 class QTabWidget;
 class QTimer;
 
@@ -12,19 +23,57 @@ namespace zkr {
 
 struct ProgramState;
 class Platform;
+class SetupDialogLink;
+class SetupDialogStandIn;
+class frmInfo;
 
 // The main window: tab strip with the result panes, status and own-call
 // labels, buttons and the one-second web refresh timer.
-class frmZKR_MUF : public QMainWindow, public StartupWindow {
+//
+// Window positions, here and in the settings file, are logical
+// (device-independent) pixels of the desktop, the same on every run
+// whatever the screen's scaling.
+class frmZKR_MUF : public QMainWindow,
+                   public StartupWindow,
+                   public MainWindowLink,
+                   public MainStatusLabel {
     Q_OBJECT
 public:
+    static constexpr int PaneCount = 4;
+
     frmZKR_MUF(ProgramState &state, Platform &platform, QWidget *parent = nullptr);
+    ~frmZKR_MUF() override;
 
     // Runs the start-up sequence; call once before showing the window.
     void Form_Load();
 
     QTabWidget *SSTab1() const { return SSTab1_; }
     QTimer *Timer1() const { return Timer1_; }
+    // Pane i of the visible set (RichTextBox1) and of the hidden set the
+    // output is built in (RichTextBox2); both lie on tab i.
+    QWidget *displayPane(int index) const;
+    QWidget *workingPane(int index) const;
+    SettingsFile &settings() { return settings_; }
+    SetupDialogLink &setupDialog() { return *setupDialog_; }
+    // The About window, created on first use.
+    frmInfo &aboutWindow();
+
+    // The evaluation of the web page and of one cluster line; empty steps
+    // until the evaluation is built.
+    void setSpotPageEvaluation(std::function<void()> evaluate);
+    void setClusterLineEvaluation(std::function<void()> evaluate);
+
+    // Event handlers, public so that other windows (and tests) can run them.
+    void Timer1_Timer();
+    void Check_EsSpotsOnly_Click();
+    void Check_Over144MHZOnly_Click();
+    void Label_Telnet_Status_Click();
+    [[noreturn]] void Command_End_Click();
+    void About_Click();
+    void Setup_Click();
+    // Clears the clipboard and puts the visible pane's selection on it, or
+    // its whole text when nothing is selected.
+    void Copy_Click();
 
     // StartupWindow
     void setMainCaption(const QString &caption) override;
@@ -43,13 +92,60 @@ public:
     void telnetConnect() override;
     void replaySpotFile() override;
 
+    // MainWindowLink
+    int windowLeft() const override;
+    int windowTop() const override;
+    bool isWindowMinimized() const override;
+    int selectedTab() const override;
+    void Winsock_Close() override;
+    void unloadAllWindows() override;
+
+    // MainStatusLabel
+    void showStatusCaption(const QString &caption) override;
+
+protected:
+    void closeEvent(QCloseEvent *event) override;
+    bool eventFilter(QObject *watched, QEvent *event) override;
+
 private:
+    // The one place that makes a result pane.
+    QPlainTextEdit *createPane(QWidget *parent);
+    static QString paneText(QWidget *pane, bool selectionOnly);
+    static void clearPane(QWidget *pane);
+    static QFont paneFont(int pointSize);
+
+    void buildControls();
+    void applyColours();
+    void applyModeSettings(bool secondPass);
+    void filterClicked(bool &changedFlag);
+    // Runs a handler started by the user or a timer; a run-time error ends
+    // the handler and is reported, the program goes on.
+    void runHandler(const std::function<void()> &handler);
+
     ProgramState &state_;
     Platform &platform_;
+    std::unique_ptr<SetupDialogStandIn> setupStandIn_;
+    SetupDialogLink *setupDialog_ = nullptr;
+    SettingsFile settings_;
+    frmInfo *info_ = nullptr;
+    std::function<void()> evaluateSpotPage_;
+    std::function<void()> evaluateClusterLine_;
+    bool unloading_ = false;
+
     QTabWidget *SSTab1_ = nullptr;
+    std::array<QWidget *, PaneCount> RichTextBox1_{};
+    std::array<QWidget *, PaneCount> RichTextBox2_{};
+    QCheckBox *Check_Over144MHZOnly_ = nullptr;
+    QCheckBox *Check_EsSpotsOnly_ = nullptr;
+    QPushButton *Command_End_ = nullptr;
+    QPushButton *About_ = nullptr;
+    QPushButton *Setup_ = nullptr;
     QTimer *Timer1_ = nullptr;
+    QLabel *Label_Telnet_Status_ = nullptr;
     QLabel *Label_OwnCall_ = nullptr;
     QLabel *Label_OwnLocator_ = nullptr;
+    QLabel *Label2_ = nullptr;
+    QAction *copyAction_ = nullptr;
 };
 
 } // namespace zkr

@@ -1,0 +1,188 @@
+#include "SettingsFile.h"
+
+#include "IniFile.h"
+#include "Locators.h"
+#include "MainWindowLink.h"
+#include "MsgBox_Pos.h"
+#include "OwnCall.h"
+#include "Platform.h"
+#include "ProgramState.h"
+#include "SetupDialogLink.h"
+#include "TextFunctions.h"
+
+#include <QFile>
+#include <QFileInfo>
+
+#include <cstdlib>
+
+namespace zkr {
+
+namespace {
+
+QString upperUnlessEmpty(const QString &text) {
+    return text.isEmpty() ? text : text.toUpper();
+}
+
+} // namespace
+
+SettingsFile::SettingsFile(ProgramState &state, Platform &platform, MainWindowLink &mainWindow,
+                           SetupDialogLink &setupDialog)
+    : state_(state), platform_(platform), mainWindow_(mainWindow), setupDialog_(setupDialog) {}
+
+QString SettingsFile::read(const QString &section, const QString &key,
+                           const QString &defaultValue) {
+    return Ini_Read(state_, section, key, defaultValue, state_.IniFilePath);
+}
+
+void SettingsFile::write(const QString &section, const QString &key, const QString &value) {
+    // A failed write leaves the old file whole; like the program always did,
+    // nobody is told.
+    Ini_Write(section, key, value, state_.IniFilePath);
+}
+
+void SettingsFile::Check_SettingsFile() {
+    const QFileInfo file(state_.IniFilePath);
+    const bool present = file.isFile() && file.fileName().toUpper() == state_.IniFileName.toUpper();
+    if (present) {
+        state_.Loading_Settings = true;
+        Read_Settings();
+        state_.Loading_Settings = false;
+        if (!(state_.IniVersion < state_.ProgramVersion_Num)) {
+            return;
+        }
+        // A new version starts over with a fresh file.
+        QFile::remove(state_.IniFilePath);
+    }
+    state_.Settings_Created = true;
+    Create_Settings();
+    state_.Loading_Settings = true;
+    Read_Settings();
+    state_.Loading_Settings = false;
+}
+
+void SettingsFile::Read_Settings() {
+    state_.IniVersion = leadingNumber(
+        read(QStringLiteral("Version"), QStringLiteral("Version"), QStringLiteral("0.0")));
+
+    state_.OwnCall = upperUnlessEmpty(read(QStringLiteral("Call"), QStringLiteral("OwnCall"), {}));
+    setupDialog_.setCallText(state_.OwnCall);
+    state_.OwnLocator =
+        upperUnlessEmpty(read(QStringLiteral("Locator"), QStringLiteral("OwnLocator"), {}));
+    setupDialog_.setLocatorText(state_.OwnLocator);
+
+    state_.Telnet_Call = read(QStringLiteral("Telnet"), QStringLiteral("Telnet_Call"), {});
+    state_.Telnet_Host = read(QStringLiteral("Telnet"), QStringLiteral("Telnet_Host"), {});
+    state_.Telnet_Port = read(QStringLiteral("Telnet"), QStringLiteral("Telnet_Port"), {});
+
+    // Ticking the box runs the update check: this is the check at start-up.
+    state_.AutoUpdateCheck_Value =
+        read(QStringLiteral("AutoUpdateCheck"), QStringLiteral("UpdateCheck"), {});
+    const QString updateCheck = state_.AutoUpdateCheck_Value.toLower();
+    if (updateCheck == QLatin1String("on") || updateCheck.isEmpty()) {
+        setupDialog_.setAutoUpdateChecked(true);
+    } else if (updateCheck == QLatin1String("off")) {
+        setupDialog_.setAutoUpdateChecked(false);
+    }
+
+    Read_Position();
+}
+
+void SettingsFile::Read_Position() {
+    state_.Pos_Left = read(QStringLiteral("Position"), QStringLiteral("Left"), {});
+    state_.Pos_Top = read(QStringLiteral("Position"), QStringLiteral("Top"), {});
+    state_.Pos_SSTab =
+        read(QStringLiteral("Position"), QStringLiteral("SSTAB"), QStringLiteral("0"));
+}
+
+void SettingsFile::Create_Settings() {
+    state_.Telnet_Call = state_.Telnet_DefaultCall;
+    state_.Telnet_Host = state_.Telnet_DefaultHost;
+    state_.Telnet_Port = state_.Telnet_DefaultPort;
+
+    state_.OwnCall =
+        Check_OwnCall(state_, platform_, *this, state_.OwnCall, state_.Check_OwnCall_Arg);
+    if (state_.OwnCall.isEmpty()) {
+        platform_.beep(800, 200);
+        MsgBox_Pos(platform_);
+        platform_.messageBox(
+            QStringLiteral("Sorry, without a valid call sign ZKR_MUF will now be terminated !"),
+            MsgButtons::OkOnly, QStringLiteral("ZKR_MUF"));
+        state_.Busy = true;
+        shutDown();
+    }
+    // The appended line ends leave the empty lines that lay the file out.
+    write(QStringLiteral("Version"), QStringLiteral("Version"),
+          state_.ProgramVersion + state_.CrLf);
+    write(QStringLiteral("Call"), QStringLiteral("OwnCall"), state_.OwnCall + state_.CrLf);
+
+    state_.Locator_Invalid = true;
+    while (state_.Locator_Invalid) {
+        platform_.beep(800, 200);
+        MsgBox_Pos(platform_);
+        const std::optional<QString> answer = platform_.inputBox(
+            QStringLiteral("What is your Locator ? "), QString(), state_.OwnLocator_Default);
+        if (!answer) {
+            state_.OwnLocator = state_.OwnLocator_Default;
+        } else {
+            state_.OwnLocator = answer->toUpper();
+        }
+        state_.Locator_Invalid = Check_Locator(state_, state_.OwnLocator);
+        if (state_.Locator_Invalid) {
+            platform_.beep(800, 200);
+        }
+    }
+
+    write(QStringLiteral("Locator"), QStringLiteral("OwnLocator"), state_.OwnLocator + state_.CrLf);
+    write(QStringLiteral("Telnet"), QStringLiteral("Telnet_Call"), state_.Telnet_Call);
+    write(QStringLiteral("Telnet"), QStringLiteral("Telnet_Host"), state_.Telnet_Host);
+    write(QStringLiteral("Telnet"), QStringLiteral("Telnet_Port"),
+          state_.Telnet_Port + state_.CrLf);
+
+    // Lets the user choose a cluster.
+    setupDialog_.Setup_Click();
+
+    write(QStringLiteral("AutoUpdateCheck"), QStringLiteral("UpdateCheck"),
+          QStringLiteral("on") + state_.CrLf);
+}
+
+void SettingsFile::Save_Settings() {
+    write(QStringLiteral("Version"), QStringLiteral("Version"), state_.ProgramVersion);
+    state_.OwnCall = upperUnlessEmpty(setupDialog_.callText());
+    write(QStringLiteral("Call"), QStringLiteral("OwnCall"), state_.OwnCall);
+    state_.OwnLocator = upperUnlessEmpty(setupDialog_.locatorText());
+    write(QStringLiteral("Locator"), QStringLiteral("OwnLocator"), state_.OwnLocator);
+    write(QStringLiteral("Telnet"), QStringLiteral("Telnet_Call"), state_.Telnet_Call);
+    write(QStringLiteral("Telnet"), QStringLiteral("Telnet_Host"), state_.Telnet_Host);
+    write(QStringLiteral("Telnet"), QStringLiteral("Telnet_Port"), state_.Telnet_Port);
+    write(QStringLiteral("AutoUpdateCheck"), QStringLiteral("UpdateCheck"),
+          setupDialog_.isAutoUpdateChecked() ? QStringLiteral("on") : QStringLiteral("off"));
+    writePosition();
+    write(QStringLiteral("Position"), QStringLiteral("SSTAB"),
+          QString::number(mainWindow_.selectedTab()));
+}
+
+void SettingsFile::writePosition() {
+    write(QStringLiteral("Position"), QStringLiteral("Left"),
+          QString::number(mainWindow_.windowLeft()));
+    write(QStringLiteral("Position"), QStringLiteral("Top"),
+          QString::number(mainWindow_.windowTop()));
+}
+
+void SettingsFile::Save_Position_And_End() {
+    // A minimised window's coordinates mean nothing: keep the stored ones.
+    if (!mainWindow_.isWindowMinimized()) {
+        writePosition();
+    }
+    write(QStringLiteral("Position"), QStringLiteral("SSTAB"),
+          QString::number(mainWindow_.selectedTab()));
+    mainWindow_.unloadAllWindows();
+    platform_.endProgram(0);
+    std::abort(); // endProgram never returns
+}
+
+void SettingsFile::shutDown() {
+    mainWindow_.Winsock_Close();
+    Save_Position_And_End();
+}
+
+} // namespace zkr

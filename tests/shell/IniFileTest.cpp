@@ -1,0 +1,110 @@
+#include "IniFile.h"
+#include "ProgramState.h"
+#include "QtPrinters.h"
+#include "ShellFakes.h"
+
+#include <QDir>
+#include <QTemporaryDir>
+
+#include <gtest/gtest.h>
+
+#include <csignal>
+#include <sys/resource.h>
+
+namespace zkr {
+namespace {
+
+// Written by hand: comments, odd case, indented keys, blank lines, a commented
+// key, LF-only lines at the end and no line end after the last line.
+const QByteArray HandWritten = QByteArrayLiteral("; settings written by hand\r\n"
+                                                 "\r\n"
+                                                 "[call]\r\n"
+                                                 "; OwnCall=ZZZ\r\n"
+                                                 "  OwnCall = dl1abc   \r\n"
+                                                 "; a comment about the next section\r\n"
+                                                 "\r\n"
+                                                 "[Other Stuff]\r\n"
+                                                 "Key=Value with  spaces\r\n"
+                                                 "Empty=\r\n"
+                                                 "[Position]\n"
+                                                 "Left=10\n"
+                                                 "Top=20");
+
+class IniFileTest : public ::testing::Test {
+protected:
+    void SetUp() override { ASSERT_TRUE(test::writeBytes(path_, HandWritten)); }
+    QString read(const char *section, const char *key, const char *defaultValue = "") {
+        return Ini_Read(state_, QLatin1String(section), QLatin1String(key),
+                        QLatin1String(defaultValue), path_);
+    }
+
+    QTemporaryDir dir_;
+    QString path_ = dir_.filePath(QStringLiteral("zkr_muf.ini"));
+    ProgramState state_;
+};
+
+TEST_F(IniFileTest, WritesChangeOnlyTheirOwnLine) {
+    struct Case {
+        const char *section, *key, *value;
+        const char *before, *after; // the bytes of HandWritten that change
+    };
+    const Case cases[] = {
+        // Replaced in place, whatever the case of section and key.
+        {"CALL", "OWNCALL", "DK5XX", "  OwnCall = dl1abc   \r\n", "OWNCALL=DK5XX\r\n"},
+        // Added after the section's last key, before the comment and blank.
+        {"Call", "NewKey", "1", "dl1abc   \r\n", "dl1abc   \r\nNewKey=1\r\n"},
+        // A replaced line keeps its own line end, even none at all.
+        {"Position", "Left", "5", "Left=10\n", "Left=5\n"},
+        {"position", "top", "33", "Top=20", "top=33"},
+        {"Position", "SSTAB", "2", "Top=20", "Top=20\r\nSSTAB=2\r\n"},
+        // A value ending in CR LF leaves an empty line after its key.
+        {"other stuff", "Key", "v\r\n", "Key=Value with  spaces\r\n", "Key=v\r\n\r\n"},
+        // A missing section goes to the end.
+        {"Version", "Version", "1.30\r\n", "Top=20", "Top=20\r\n[Version]\r\nVersion=1.30\r\n\r\n"},
+    };
+    for (const Case &c : cases) {
+        SCOPED_TRACE(std::string(c.section) + "/" + c.key);
+        ASSERT_TRUE(test::writeBytes(path_, HandWritten));
+        EXPECT_EQ(Ini_Write(QLatin1String(c.section), QLatin1String(c.key), QLatin1String(c.value),
+                            path_),
+                  QStringLiteral("1"));
+        QByteArray expected = HandWritten;
+        ASSERT_EQ(expected.count(c.before), 1);
+        EXPECT_EQ(test::readBytes(path_), expected.replace(c.before, c.after));
+    }
+}
+
+TEST_F(IniFileTest, ReadsLikeTheProfileFunctions) {
+    EXPECT_EQ(read("CALL", "ownCALL"), QStringLiteral("dl1abc"));
+    EXPECT_EQ(read("other stuff", "KEY"), QStringLiteral("Value with  spaces"));
+    EXPECT_EQ(read("Other Stuff", "Empty", "x"), QString());
+    EXPECT_EQ(read("Position", "Top"), QStringLiteral("20"));
+    EXPECT_EQ(read("Nowhere", "Key", "  default "), QStringLiteral("default"));
+    // Neither a comment nor another section's key counts.
+    EXPECT_EQ(read("Other Stuff", "OwnCall", "none"), QStringLiteral("none"));
+
+    Ini_Write(QStringLiteral("Long"), QStringLiteral("Value"), QString(300, QLatin1Char('x')),
+              path_);
+    EXPECT_EQ(read("Long", "Value"), QString(254, QLatin1Char('x')));
+    EXPECT_EQ(state_.Ini_Result_Length, 254);
+}
+
+TEST_F(IniFileTest, FailedWriteLeavesTheOldFileWhole) {
+    // A full disk, simulated by a file-size limit (works for root too).
+    std::signal(SIGXFSZ, SIG_IGN);
+    rlimit old{};
+    ASSERT_EQ(getrlimit(RLIMIT_FSIZE, &old), 0);
+    rlimit small = old;
+    small.rlim_cur = 200;
+    ASSERT_EQ(setrlimit(RLIMIT_FSIZE, &small), 0);
+    const QString result = Ini_Write(QStringLiteral("Big"), QStringLiteral("Value"),
+                                     QString(500, QLatin1Char('y')), path_);
+    setrlimit(RLIMIT_FSIZE, &old);
+
+    EXPECT_EQ(result, QStringLiteral("0"));
+    EXPECT_EQ(test::readBytes(path_), HandWritten);
+    EXPECT_EQ(QDir(dir_.path()).entryList(QDir::Files), QStringList{QStringLiteral("zkr_muf.ini")});
+}
+
+} // namespace
+} // namespace zkr

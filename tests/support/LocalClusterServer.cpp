@@ -1,0 +1,64 @@
+#include "LocalClusterServer.h"
+
+#include <QTcpServer>
+#include <QTcpSocket>
+
+LocalClusterServer::LocalClusterServer(QObject *parent)
+    : QObject(parent), server_(new QTcpServer(this)) {
+    server_->listen(QHostAddress::LocalHost, 0);
+    connect(server_, &QTcpServer::newConnection, this, &LocalClusterServer::onNewConnection);
+}
+
+quint16 LocalClusterServer::port() const {
+    return server_->serverPort();
+}
+
+QByteArray LocalClusterServer::prompt(const QString &call) {
+    return call.toLatin1() + " de GB7TST 21-Nov-2026 1712Z dxspider >\r\n";
+}
+
+void LocalClusterServer::onNewConnection() {
+    while (QTcpSocket *socket = server_->nextPendingConnection()) {
+        socket->setParent(this);
+        connect(socket, &QTcpSocket::readyRead, this, [this, socket] { onReadyRead(socket); });
+        socket->write("Welcome to the test node\r\n\r\nlogin: ");
+    }
+}
+
+void LocalClusterServer::onReadyRead(QTcpSocket *socket) {
+    const QByteArray data = socket->readAll();
+    if (socket->property("call").isNull()) {
+        const QByteArray line = socket->property("pending").toByteArray() + data;
+        const qsizetype end = line.indexOf("\r\n");
+        if (end < 0) {
+            socket->setProperty("pending", line);
+            return;
+        }
+        const QString call = QString::fromLatin1(line.left(end)).trimmed();
+        socket->setProperty("call", call);
+        logins_.append(call);
+        clients_.append(socket);
+        socket->write("Hello " + call.toLatin1() + ", this is GB7TST in Test Town\r\n");
+        socket->write(prompt(call));
+        return;
+    }
+    received_ += data;
+}
+
+void LocalClusterServer::send(const QByteArray &bytes) {
+    for (const QPointer<QTcpSocket> &client : clients_) {
+        if (client) {
+            client->write(bytes);
+            client->flush();
+        }
+    }
+}
+
+void LocalClusterServer::closeClients() {
+    for (const QPointer<QTcpSocket> &client : clients_) {
+        if (client) {
+            client->disconnectFromHost();
+        }
+    }
+    clients_.clear();
+}

@@ -1,0 +1,40 @@
+#pragma once
+
+#include <QByteArray>
+#include <QList>
+#include <QObject>
+#include <QPointer>
+#include <QStringList>
+
+class QTcpServer;
+class QTcpSocket;
+
+// A DX cluster node on 127.0.0.1 and a free port, for tests: it asks
+// "login: ", takes the call sign, greets and sends its prompt ending in
+// " >" CR LF, as DX Spider nodes do; then the test sends what it likes.
+class LocalClusterServer : public QObject {
+    Q_OBJECT
+public:
+    explicit LocalClusterServer(QObject *parent = nullptr);
+
+    quint16 port() const;
+    // Call signs the clients logged in with, in order.
+    const QStringList &logins() const { return logins_; }
+    // Everything received after the login, per client.
+    QByteArray received() const { return received_; }
+    bool hasClient() const { return !clients_.isEmpty(); }
+    // Sends raw bytes to every logged-in client as one write.
+    void send(const QByteArray &bytes);
+    void closeClients();
+    // The prompt the node sends after the login.
+    static QByteArray prompt(const QString &call);
+
+private:
+    void onNewConnection();
+    void onReadyRead(QTcpSocket *socket);
+
+    QTcpServer *server_;
+    QList<QPointer<QTcpSocket>> clients_;
+    QStringList logins_;
+    QByteArray received_;
+};

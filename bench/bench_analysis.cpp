@@ -79,7 +79,8 @@ QStringList makeLines() {
                           .replace(QLatin1String("%3"), pick(Squares));
         }
         lines.append(Prepare_ClusterLine(clusterLine(pick(Calls), kiloHertz, pick(Calls), comment,
-                                                     static_cast<int>(unit(random) * 2400)) +
+                                                     static_cast<int>(unit(random) * 24) * 100 +
+                                                         static_cast<int>(unit(random) * 60)) +
                                          QStringLiteral(" JO62\r\n")));
     }
     return lines;

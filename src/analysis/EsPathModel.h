@@ -23,9 +23,10 @@ inline constexpr double Rad2Deg = 180.0 / Pi;
 double Great_Circle_Angle(double latA, double latB, double lonA, double lonB);
 
 // Initial course from a towards b, clockwise from north, 0 to below 360. A
-// latitude of b of exactly 0 is taken as 0.000001. When the denominator of
-// the course's tangent is exactly 0 it throws RunTimeError(DivisionByZero),
-// or RunTimeError(Overflow) when the numerator is 0 as well.
+// latitude of b of exactly 0 is taken as 0.000001. The course's tangent is
+// N / D with N = sin(dlon), D = tan(latB) cos(latA) - cos(dlon) sin(latA),
+// D evaluated without cancellation. When D is 0 it throws
+// RunTimeError(DivisionByZero), or RunTimeError(Overflow) when N is 0 too.
 double Azimuth(double latA, double latB, double lonA, double lonB);
 
 // Midpoint of the great circle from a to b. Note the argument order (each

@@ -147,7 +147,7 @@ bool Check_Locator(ProgramState &state, const QString &locator) {
 }
 
 void Find_Locators(ProgramState &state) {
-    state.Comment_Upper = upperCase(state.Spot_Comment);
+    upperCaseInto(state.Spot_Comment, state.Comment_Upper);
     if (takeLocator(state.Comment_Upper, state.Locator_1)) {
         takeLocator(state.Comment_Upper, state.Locator_2);
     } else {

@@ -107,22 +107,26 @@ void Find_Mode(ProgramState &state) {
         state.Spot_Mode = QStringLiteral("TR");
         return;
     }
-    // Comment_Upper is upper case already unless someone else set it.
-    QString comment = state.Comment_Upper;
-    CommentScan scan = scanComment(viewOf(comment));
-    if (scan.mayChangeCase) {
-        comment = upperCase(comment);
-        scan = scanComment(viewOf(comment));
+    // Comment_Upper is upper case already unless someone else set it; only
+    // then is an upper-cased copy made.
+    QString upper;
+    std::u16string_view text = viewOf(state.Comment_Upper);
+    CommentScan scan = scanComment(text);
+    const bool copied = scan.mayChangeCase;
+    if (copied) {
+        upper = upperCase(state.Comment_Upper);
+        text = viewOf(upper);
+        scan = scanComment(text);
     }
-    const std::u16string_view text = viewOf(comment);
     for (std::uint64_t left = scan.candidates; left != 0; left &= left - 1) {
         const ModeMarkerTest &test =
             ModeMarkerTests[static_cast<std::size_t>(std::countr_zero(left))];
         const qsizetype at = markerPosition(text, test);
         if (at >= 0) {
             state.Spot_Mode = modeText(test.mode);
-            // Moved, not copied, so that the cut needs no copy of the text.
-            state.Comment_Upper = std::move(comment);
+            if (copied) {
+                state.Comment_Upper = std::move(upper);
+            }
             state.Comment_Upper.remove(at, static_cast<qsizetype>(test.marker.size()));
             return;
         }

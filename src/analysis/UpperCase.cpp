@@ -43,4 +43,13 @@ QString upperCase(const QString &text) {
     return result;
 }
 
+void upperCaseInto(QStringView text, QString &target) {
+    const qsizetype size = text.size();
+    target.resize(size);
+    QChar *out = target.data();
+    for (qsizetype i = 0; i < size; ++i) {
+        out[i] = QChar(upperOf(text[i].unicode()));
+    }
+}
+
 } // namespace zkr

@@ -9,5 +9,8 @@ namespace zkr {
 // positions in the input. An input that is already upper case is returned
 // shared, without a copy.
 QString upperCase(const QString &text);
+// The same into `target`, reusing its storage: for a text that is taken
+// apart in place afterwards.
+void upperCaseInto(QStringView text, QString &target);
 
 } // namespace zkr

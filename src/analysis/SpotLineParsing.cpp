@@ -13,8 +13,27 @@ namespace zkr {
 
 namespace {
 
+// The trimmed column as a view into the line: one string is made per field,
+// not three.
+QStringView fieldView(const ProgramState &state, int startEntry) {
+    const int start = state.column(startEntry);
+    const int length = state.column(startEntry + 1);
+    QStringView line(state.Spot_Line);
+    if (start < 1 || length <= 0 || start > line.size()) {
+        return {};
+    }
+    QStringView view = line.mid(start - 1, length);
+    while (!view.isEmpty() && view.front() == QLatin1Char(' ')) {
+        view = view.mid(1);
+    }
+    while (!view.isEmpty() && view.back() == QLatin1Char(' ')) {
+        view.chop(1);
+    }
+    return view;
+}
+
 QString field(const ProgramState &state, int startEntry) {
-    return trimBlanks(mid(state.Spot_Line, state.column(startEntry), state.column(startEntry + 1)));
+    return fieldView(state, startEntry).toString();
 }
 
 } // namespace
@@ -47,7 +66,7 @@ QString Prepare_ClusterLine(const QString &received) {
 
 void Extract_SpotFields(ProgramState &state) {
     state.Spot_Spotter = field(state, 1);
-    const double megahertz = leadingNumber(field(state, 3)) / 1000.0;
+    const double megahertz = leadingNumber(fieldView(state, 3)) / 1000.0;
     if (std::fabs(megahertz) > std::numeric_limits<float>::max()) {
         throw RunTimeError(RunTimeError::Overflow);
     }

@@ -37,7 +37,8 @@ class MemoryPane : public Pane {
 public:
     static constexpr std::int64_t DefaultMaxLines = 100000;
 
-    explicit MemoryPane(std::int64_t maxLines = DefaultMaxLines);
+    MemoryPane() : MemoryPane(DefaultMaxLines) {}
+    explicit MemoryPane(std::int64_t maxLines);
 
     void insertColored(QStringView text, std::uint32_t colour) override;
     int caret() const override { return caret_; }

@@ -1,5 +1,7 @@
 #include "frmZKR_MUF.h"
 
+#include "PaneView.h"
+
 #include "BgrColour.h"
 #include "Int16Arithmetic.h"
 #include "Platform.h"
@@ -19,7 +21,6 @@
 #include <QKeyEvent>
 #include <QLabel>
 #include <QMouseEvent>
-#include <QPlainTextEdit>
 #include <QPushButton>
 #include <QTabWidget>
 #include <QTimer>
@@ -135,17 +136,13 @@ void frmZKR_MUF::buildControls() {
         auto *page = new QWidget(SSTab1_);
         auto *stack = new QGridLayout(page);
         stack->setContentsMargins(0, 0, 0, 0);
-        // Both panes of a tab share one rectangle: the output is built in
-        // the hidden one and copied to the visible one in one piece.
-        RichTextBox1_[static_cast<std::size_t>(i)] = createPane(page);
-        RichTextBox2_[static_cast<std::size_t>(i)] = createPane(page);
+        // The visible pane shows what the evaluation committed to the
+        // working pane, so it never shows a half-printed spot.
+        RichTextBox1_[static_cast<std::size_t>(i)] =
+            createPane(page, RichTextBox2_[static_cast<std::size_t>(i)]);
         RichTextBox1_[static_cast<std::size_t>(i)]->setObjectName(
             QStringLiteral("RichTextBox1_%1").arg(i));
-        RichTextBox2_[static_cast<std::size_t>(i)]->setObjectName(
-            QStringLiteral("RichTextBox2_%1").arg(i));
-        stack->addWidget(RichTextBox2_[static_cast<std::size_t>(i)], 0, 0);
         stack->addWidget(RichTextBox1_[static_cast<std::size_t>(i)], 0, 0);
-        RichTextBox2_[static_cast<std::size_t>(i)]->setVisible(false);
         SSTab1_->addTab(page, QLatin1String(captions[static_cast<std::size_t>(i)]));
     }
     column->addWidget(SSTab1_, 1);
@@ -172,33 +169,13 @@ void frmZKR_MUF::buildControls() {
     resize(1024, 540);
 }
 
-QPlainTextEdit *frmZKR_MUF::createPane(QWidget *parent) {
-    auto *pane = new QPlainTextEdit(parent);
-    pane->setReadOnly(true);
-    pane->setLineWrapMode(QPlainTextEdit::NoWrap);
+PaneView *frmZKR_MUF::createPane(QWidget *parent, MemoryPane &source) {
+    auto *pane = new PaneView(parent);
     pane->setFont(paneFont(10));
+    pane->setSource(&source);
     pane->setContextMenuPolicy(Qt::ActionsContextMenu);
     pane->addAction(copyAction_);
-    pane->installEventFilter(this);
     return pane;
-}
-
-QString frmZKR_MUF::paneText(QWidget *pane, bool selectionOnly) {
-    auto *edit = qobject_cast<QPlainTextEdit *>(pane);
-    if (edit == nullptr) {
-        return QString();
-    }
-    if (selectionOnly) {
-        return edit->textCursor().selectedText().replace(QChar::ParagraphSeparator,
-                                                         QLatin1Char('\n'));
-    }
-    return edit->toPlainText();
-}
-
-void frmZKR_MUF::clearPane(QWidget *pane) {
-    if (auto *edit = qobject_cast<QPlainTextEdit *>(pane)) {
-        edit->clear();
-    }
 }
 
 QFont frmZKR_MUF::paneFont(int pointSize) {
@@ -212,12 +189,43 @@ QFont frmZKR_MUF::paneFont(int pointSize) {
     return font;
 }
 
-QWidget *frmZKR_MUF::displayPane(int index) const {
+PaneView *frmZKR_MUF::displayPane(int index) const {
     return RichTextBox1_.at(static_cast<std::size_t>(index));
 }
 
-QWidget *frmZKR_MUF::workingPane(int index) const {
+MemoryPane &frmZKR_MUF::workingPane(int index) {
     return RichTextBox2_.at(static_cast<std::size_t>(index));
+}
+
+void frmZKR_MUF::refreshPanes() {
+    for (int i = 0; i < PaneCount; ++i) {
+        workingPane(i).commit();
+        displayPane(i)->refresh();
+    }
+}
+
+void frmZKR_MUF::setStatusLabel(const QString &caption, std::uint32_t bgrColour) {
+    Label_Telnet_Status_->setText(caption);
+    setBackground(Label_Telnet_Status_, fromBgr(bgrColour));
+    Label_Telnet_Status_->setEnabled(true);
+    Label_Telnet_Status_->setVisible(true);
+}
+
+void frmZKR_MUF::showWorkLabel(const QString &caption) {
+    Label2_->setText(caption);
+    Label2_->setVisible(true);
+}
+
+void frmZKR_MUF::hideWorkLabel() {
+    Label2_->setVisible(false);
+}
+
+bool frmZKR_MUF::over144Only() const {
+    return Check_Over144MHZOnly_->isChecked();
+}
+
+bool frmZKR_MUF::esSpotsOnly() const {
+    return Check_EsSpotsOnly_->isChecked();
 }
 
 frmInfo &frmZKR_MUF::aboutWindow() {
@@ -302,11 +310,10 @@ void frmZKR_MUF::applyModeSettings(bool secondPass) {
     }
     const QFont font = paneFont(web ? 8 : 10);
     for (int i = 0; i < PaneCount; ++i) {
-        for (QWidget *pane : {displayPane(i), workingPane(i)}) {
-            pane->setFont(font);
-            if (web) {
-                clearPane(pane);
-            }
+        displayPane(i)->setFont(font);
+        if (web) {
+            workingPane(i).clear();
+            displayPane(i)->refresh();
         }
     }
     for (int i = PaneCount - 1; i >= 0; --i) {
@@ -490,7 +497,7 @@ void frmZKR_MUF::filterClicked(bool &changedFlag) {
             return;
         }
         for (int i = 0; i < PaneCount; ++i) {
-            clearPane(workingPane(i));
+            workingPane(i).clear();
         }
         Label2_->setVisible(true);
         // Line 0 is deliberately not evaluated again.
@@ -544,11 +551,7 @@ void frmZKR_MUF::Setup_Click() {
 }
 
 void frmZKR_MUF::Copy_Click() {
-    QWidget *pane = displayPane(SSTab1_->currentIndex());
-    QString text = paneText(pane, true);
-    if (text.isEmpty()) {
-        text = paneText(pane, false);
-    }
+    const QString text = displayPane(SSTab1_->currentIndex())->text();
     platform_.clearClipboard();
     platform_.setClipboardText(text);
 }
@@ -570,19 +573,6 @@ bool frmZKR_MUF::eventFilter(QObject *watched, QEvent *event) {
         static_cast<QMouseEvent *>(event)->button() == Qt::LeftButton) {
         runHandler([this] { Label_Telnet_Status_Click(); });
         return true;
-    }
-    // The panes' own copy would bypass the program's clipboard handling.
-    if (qobject_cast<QPlainTextEdit *>(watched) != nullptr) {
-        if (event->type() == QEvent::ShortcutOverride &&
-            static_cast<QKeyEvent *>(event)->matches(QKeySequence::Copy)) {
-            event->accept();
-            return true;
-        }
-        if (event->type() == QEvent::KeyPress &&
-            static_cast<QKeyEvent *>(event)->matches(QKeySequence::Copy)) {
-            Copy_Click();
-            return true;
-        }
     }
     return QMainWindow::eventFilter(watched, event);
 }

@@ -2,6 +2,7 @@
 
 #include "MainStatusLabel.h"
 #include "MainWindowLink.h"
+#include "MemoryPane.h"
 #include "SettingsFile.h"
 #include "StartupWindow.h"
 
@@ -14,7 +15,6 @@
 class QAction;
 class QCheckBox;
 class QLabel;
-class QPlainTextEdit;
 class QPushButton;
 class QTabWidget;
 class QTimer;
@@ -26,6 +26,7 @@ class Platform;
 class SetupDialogLink;
 class SetupDialogStandIn;
 class frmInfo;
+class PaneView;
 
 // The main window: tab strip with the result panes, status and own-call
 // labels, buttons and the one-second web refresh timer.
@@ -49,10 +50,20 @@ public:
 
     QTabWidget *SSTab1() const { return SSTab1_; }
     QTimer *Timer1() const { return Timer1_; }
-    // Pane i of the visible set (RichTextBox1) and of the hidden set the
-    // output is built in (RichTextBox2); both lie on tab i.
-    QWidget *displayPane(int index) const;
-    QWidget *workingPane(int index) const;
+    // Pane i of the visible set (RichTextBox1, on tab i) and of the set the
+    // output is built in (RichTextBox2, in memory: the visible pane shows
+    // its committed lines).
+    PaneView *displayPane(int index) const;
+    MemoryPane &workingPane(int index);
+    // Commits the working panes and repaints the visible ones.
+    void refreshPanes();
+    // The status label (caption and &H00BBGGRR background, made visible)
+    // and the work label.
+    void setStatusLabel(const QString &caption, std::uint32_t bgrColour);
+    void showWorkLabel(const QString &caption);
+    void hideWorkLabel();
+    bool over144Only() const;
+    bool esSpotsOnly() const;
     SettingsFile &settings() { return settings_; }
     SetupDialogLink &setupDialog() { return *setupDialog_; }
     // The About window, created on first use.
@@ -109,9 +120,7 @@ protected:
 
 private:
     // The one place that makes a result pane.
-    QPlainTextEdit *createPane(QWidget *parent);
-    static QString paneText(QWidget *pane, bool selectionOnly);
-    static void clearPane(QWidget *pane);
+    PaneView *createPane(QWidget *parent, MemoryPane &source);
     static QFont paneFont(int pointSize);
 
     void buildControls();
@@ -133,8 +142,8 @@ private:
     bool unloading_ = false;
 
     QTabWidget *SSTab1_ = nullptr;
-    std::array<QWidget *, PaneCount> RichTextBox1_{};
-    std::array<QWidget *, PaneCount> RichTextBox2_{};
+    std::array<PaneView *, PaneCount> RichTextBox1_{};
+    std::array<MemoryPane, PaneCount> RichTextBox2_;
     QCheckBox *Check_Over144MHZOnly_ = nullptr;
     QCheckBox *Check_EsSpotsOnly_ = nullptr;
     QPushButton *Command_End_ = nullptr;

@@ -9,6 +9,7 @@
 #include "RunTimeError.h"
 #include "SetupDialogStandIn.h"
 #include "SiteDefaults.h"
+#include "SpotSources.h"
 #include "Startup.h"
 #include "frmInfo.h"
 
@@ -68,6 +69,9 @@ frmZKR_MUF::frmZKR_MUF(ProgramState &state, Platform &platform, QWidget *parent)
     setObjectName(QStringLiteral("frmZKR_MUF"));
     buildControls();
     applyColours();
+    sources_ = std::make_unique<SpotSources>(state_, platform_, *this);
+    evaluateSpotPage_ = [this] { sources_->Evaluate_SpotPage(); };
+    evaluateClusterLine_ = [this] { sources_->evaluateClusterLine(); };
 }
 
 frmZKR_MUF::~frmZKR_MUF() = default;
@@ -408,11 +412,11 @@ void frmZKR_MUF::prepareDeveloperConsole() {
 }
 
 void frmZKR_MUF::telnetConnect() {
-    // Filled by the telnet session.
+    sources_->Telnet_Connect();
 }
 
 void frmZKR_MUF::replaySpotFile() {
-    // Filled by the file replay.
+    sources_->Replay_SpotFile();
 }
 
 // --- MainWindowLink and MainStatusLabel ---
@@ -434,15 +438,7 @@ int frmZKR_MUF::selectedTab() const {
 }
 
 void frmZKR_MUF::Winsock_Close() {
-    // The socket itself is closed by the telnet session.
-    state_.Telnet_Connected = false;
-    Label_Telnet_Status_->setVisible(true);
-    Label_Telnet_Status_->setText(QStringLiteral(" Not connected !") +
-                                  QStringLiteral(" Click to Check Setup or check your firewall "
-                                                 "settings !"));
-    setBackground(Label_Telnet_Status_, fromBgr(Red));
-    Label_Telnet_Status_->setEnabled(true);
-    platform_.processEvents();
+    sources_->closeSession();
 }
 
 void frmZKR_MUF::unloadAllWindows() {

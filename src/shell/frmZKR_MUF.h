@@ -27,6 +27,7 @@ class SetupDialogLink;
 class SetupDialogStandIn;
 class frmInfo;
 class PaneView;
+class SpotSources;
 
 // The main window: tab strip with the result panes, status and own-call
 // labels, buttons and the one-second web refresh timer.
@@ -65,6 +66,7 @@ public:
     bool over144Only() const;
     bool esSpotsOnly() const;
     SettingsFile &settings() { return settings_; }
+    SpotSources &sources() { return *sources_; }
     SetupDialogLink &setupDialog() { return *setupDialog_; }
     // The About window, created on first use.
     frmInfo &aboutWindow();
@@ -137,6 +139,7 @@ private:
     SetupDialogLink *setupDialog_ = nullptr;
     SettingsFile settings_;
     frmInfo *info_ = nullptr;
+    std::unique_ptr<SpotSources> sources_;
     std::function<void()> evaluateSpotPage_;
     std::function<void()> evaluateClusterLine_;
     bool unloading_ = false;

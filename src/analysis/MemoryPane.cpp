@@ -1,6 +1,7 @@
 #include "MemoryPane.h"
 
 #include <algorithm>
+#include <array>
 #include <limits>
 
 namespace zkr {
@@ -11,9 +12,9 @@ const QString LineEnd = QStringLiteral("\r\n");
 
 // Inserts a run of `length` characters at `offset` into `runs`, splitting the
 // run it falls into, and merges it with equally coloured neighbours.
-void insertRun(std::vector<ColourRun> &runs, std::int64_t offset, std::int32_t length,
+void insertRun(QList<ColourRun> &runs, std::int64_t offset, std::int32_t length,
                std::uint32_t colour) {
-    std::size_t i = 0;
+    qsizetype i = 0;
     std::int64_t start = 0;
     while (i < runs.size() && start + runs[i].length <= offset) {
         start += runs[i].length;
@@ -27,8 +28,8 @@ void insertRun(std::vector<ColourRun> &runs, std::int64_t offset, std::int32_t l
         }
         const ColourRun tail{runs[i].length - head, runs[i].colour};
         runs[i].length = head;
-        runs.insert(runs.begin() + static_cast<std::ptrdiff_t>(i) + 1,
-                    {ColourRun{length, colour}, tail});
+        runs.insert(i + 1, tail);
+        runs.insert(i + 1, ColourRun{length, colour});
         return;
     }
     if (i > 0 && runs[i - 1].colour == colour) {
@@ -36,14 +37,14 @@ void insertRun(std::vector<ColourRun> &runs, std::int64_t offset, std::int32_t l
     } else if (i < runs.size() && runs[i].colour == colour) {
         runs[i].length += length;
     } else {
-        runs.insert(runs.begin() + static_cast<std::ptrdiff_t>(i), ColourRun{length, colour});
+        runs.insert(i, ColourRun{length, colour});
     }
 }
 
 // Cuts the first `count` characters' runs off `runs` and returns them.
-std::vector<ColourRun> takeRuns(std::vector<ColourRun> &runs, std::int64_t count) {
-    std::vector<ColourRun> taken;
-    std::size_t i = 0;
+QList<ColourRun> takeRuns(QList<ColourRun> &runs, std::int64_t count) {
+    QList<ColourRun> taken;
+    qsizetype i = 0;
     while (count > 0 && i < runs.size()) {
         if (runs[i].length <= count) {
             taken.push_back(runs[i]);
@@ -55,11 +56,11 @@ std::vector<ColourRun> takeRuns(std::vector<ColourRun> &runs, std::int64_t count
             count = 0;
         }
     }
-    runs.erase(runs.begin(), runs.begin() + static_cast<std::ptrdiff_t>(i));
+    runs.remove(0, i);
     return taken;
 }
 
-void appendRuns(std::vector<ColourRun> &to, const std::vector<ColourRun> &from) {
+void appendRuns(QList<ColourRun> &to, const QList<ColourRun> &from) {
     for (const ColourRun &run : from) {
         if (run.length <= 0) {
             continue;
@@ -70,6 +71,24 @@ void appendRuns(std::vector<ColourRun> &to, const std::vector<ColourRun> &from) 
             to.push_back(run);
         }
     }
+}
+
+// Gives `line` the text and runs of an equal line committed a moment ago in
+// another pane, so that they share one copy.
+void shareWithRecent(PaneLine &line) {
+    static thread_local std::array<PaneLine, 8> recent;
+    static thread_local std::size_t next = 0;
+    for (const PaneLine &seen : recent) {
+        if (seen.text.size() == line.text.size() && seen.text == line.text &&
+            seen.runs == line.runs) {
+            line = seen;
+            return;
+        }
+    }
+    line.text.squeeze();
+    line.runs.squeeze();
+    recent[next] = line;
+    next = (next + 1) % recent.size();
 }
 
 } // namespace
@@ -129,7 +148,8 @@ void MemoryPane::commit() {
         } else {
             PaneLine &top = lines_.front();
             top.text.prepend(rest);
-            std::vector<ColourRun> runs = std::move(blockRuns_);
+            top.text.squeeze();
+            QList<ColourRun> runs = std::move(blockRuns_);
             appendRuns(runs, top.runs);
             top.runs = std::move(runs);
         }
@@ -138,6 +158,7 @@ void MemoryPane::commit() {
         longestLine_ = std::max(longestLine_, lines_.front().text.size());
     }
     for (auto it = complete.rbegin(); it != complete.rend(); ++it) {
+        shareWithRecent(*it);
         longestLine_ = std::max(longestLine_, it->text.size());
         lines_.push_front(std::move(*it));
     }

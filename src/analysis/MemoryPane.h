@@ -2,6 +2,7 @@
 
 #include "Pane.h"
 
+#include <QList>
 #include <QString>
 
 #include <cstdint>
@@ -14,12 +15,16 @@ namespace zkr {
 struct ColourRun {
     std::int32_t length;
     std::uint32_t colour; // &H00BBGGRR
+
+    friend bool operator==(const ColourRun &, const ColourRun &) = default;
 };
 
-// One line of a pane, without its line end.
+// One line of a pane, without its line end. A spot's line goes into up to
+// four panes: equal lines share one text and one run list (both implicitly
+// shared), which keeps a day of spots small.
 struct PaneLine {
     QString text;
-    std::vector<ColourRun> runs;
+    QList<ColourRun> runs;
 };
 
 // An output pane kept in memory, built for a program that prints every spot
@@ -74,7 +79,7 @@ private:
     void dropOldestLines();
 
     QString block_;
-    std::vector<ColourRun> blockRuns_;
+    QList<ColourRun> blockRuns_;
     std::deque<PaneLine> lines_;
     bool lastLineEnded_ = true; // the bottom line ends with CR LF
     std::int64_t committedLength_ = 0;

@@ -3,6 +3,7 @@
 #include <QPaintEvent>
 #include <QPainter>
 #include <QScrollBar>
+#include <QTimer>
 
 #include <algorithm>
 
@@ -30,7 +31,9 @@ QString printable(QStringView text) {
 
 } // namespace
 
-PaneView::PaneView(QWidget *parent) : QAbstractScrollArea(parent) {
+PaneView::PaneView(QWidget *parent) : QAbstractScrollArea(parent), frameTimer_(new QTimer(this)) {
+    frameTimer_->setSingleShot(true);
+    connect(frameTimer_, &QTimer::timeout, this, &PaneView::showFrame);
     setHorizontalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     setVerticalScrollBarPolicy(Qt::ScrollBarAsNeeded);
     viewport()->setBackgroundRole(QPalette::Base);
@@ -54,11 +57,32 @@ void PaneView::refresh() {
         seenLinesAdded_ = added;
         QScrollBar *bar = verticalScrollBar();
         const int value = bar->value();
-        updateScrollBars();
-        if (value > 0) {
+        if (value > 0 && shift > 0) {
+            updateScrollBars();
             bar->setValue(static_cast<int>(std::min<std::uint64_t>(value + shift, 1u << 30)));
         }
+    }
+    // Ranges follow with the next frame: a new spot on top needs no more.
+    scrollBarsStale_ = true;
+    repaintSoon();
+}
+
+void PaneView::repaintSoon() {
+    if (frameTimer_->isActive()) {
+        return;
+    }
+    const qint64 since = sinceFrame_.isValid() ? sinceFrame_.elapsed() : FrameMs;
+    if (since >= FrameMs) {
+        showFrame();
     } else {
+        frameTimer_->start(static_cast<int>(FrameMs - since));
+    }
+}
+
+void PaneView::showFrame() {
+    sinceFrame_.start();
+    if (scrollBarsStale_) {
+        scrollBarsStale_ = false;
         updateScrollBars();
     }
     viewport()->update();
@@ -128,8 +152,30 @@ void PaneView::updateScrollBars() {
     horizontal->setSingleStep(charWidth);
 }
 
+const PaneView::ShapedLine &PaneView::shaped(const PaneLine &line) {
+    auto found = shapedLines_.find(line.text.constData());
+    if (found != shapedLines_.end() && found->runs == line.runs) {
+        return *found;
+    }
+    if (shapedLines_.size() > 2048) {
+        shapedLines_.clear(); // rebuilt from the lines in sight
+    }
+    ShapedLine entry{line.text, line.runs, {}};
+    qsizetype at = 0;
+    for (const ColourRun &run : line.runs) {
+        QStaticText piece(printable(QStringView(line.text).mid(at, run.length)));
+        piece.setTextFormat(Qt::PlainText);
+        piece.setPerformanceHint(QStaticText::AggressiveCaching);
+        piece.prepare(QTransform(), font());
+        entry.pieces.push_back(std::move(piece));
+        at += run.length;
+    }
+    return *shapedLines_.insert(line.text.constData(), std::move(entry));
+}
+
 void PaneView::paintEvent(QPaintEvent *) {
     QPainter painter(viewport());
+    painter.setFont(font());
     const QFontMetrics metrics(font());
     const int lineHeight = std::max(metrics.lineSpacing(), 1);
     const int first = verticalScrollBar()->value();
@@ -137,19 +183,12 @@ void PaneView::paintEvent(QPaintEvent *) {
     const std::int64_t count = shownLineCount();
     const int rows = viewport()->height() / lineHeight + 1;
     for (int row = 0; row < rows && first + row < count; ++row) {
-        const PaneLine &line = shownLine(first + row);
-        int x = x0;
-        const int baseline = row * lineHeight + metrics.ascent();
-        qsizetype at = 0;
-        for (const ColourRun &run : line.runs) {
-            const QString piece = printable(QStringView(line.text).mid(at, run.length));
-            painter.setPen(fromBgr(run.colour));
-            painter.drawText(x, baseline, piece);
-            x += metrics.horizontalAdvance(piece);
-            at += run.length;
-            if (x > viewport()->width()) {
-                break;
-            }
+        const ShapedLine &line = shaped(shownLine(first + row));
+        double x = x0;
+        for (std::size_t i = 0; i < line.pieces.size() && x <= viewport()->width(); ++i) {
+            painter.setPen(fromBgr(line.runs.at(static_cast<qsizetype>(i)).colour));
+            painter.drawStaticText(QPointF(x, row * lineHeight), line.pieces[i]);
+            x += line.pieces[i].size().width();
         }
     }
 }
@@ -162,6 +201,7 @@ void PaneView::resizeEvent(QResizeEvent *event) {
 void PaneView::changeEvent(QEvent *event) {
     QAbstractScrollArea::changeEvent(event);
     if (event->type() == QEvent::FontChange) {
+        shapedLines_.clear();
         updateScrollBars();
         viewport()->update();
     }

@@ -4,6 +4,13 @@
 #include "Pane.h"
 
 #include <QAbstractScrollArea>
+#include <QElapsedTimer>
+#include <QHash>
+#include <QStaticText>
+
+class QTimer;
+
+#include <vector>
 
 namespace zkr {
 
@@ -25,6 +32,10 @@ public:
     // printed straight into the view.
     void refresh();
 
+    // Repaints come at most this often; a burst of spots (a replayed file)
+    // is painted frame by frame instead of spot by spot.
+    static constexpr int FrameMs = 40;
+
     // Pane: prints straight into the view.
     void insertColored(QStringView text, std::uint32_t colour) override;
     int caret() const override { return own_.caret(); }
@@ -43,13 +54,28 @@ protected:
     void changeEvent(QEvent *event) override;
 
 private:
+    // A line's runs laid out once: when a spot arrives every line moves one
+    // row down, and only the new one needs its text shaped.
+    struct ShapedLine {
+        QString text; // held, so the key below stays this line's
+        QList<ColourRun> runs;
+        std::vector<QStaticText> pieces;
+    };
+    const ShapedLine &shaped(const PaneLine &line);
+
     const PaneLine &shownLine(std::int64_t index) const;
     void updateScrollBars();
+    void repaintSoon();
+    void showFrame();
 
     const MemoryPane *source_ = nullptr;
     MemoryPane own_;
     bool sourceHidden_ = false;
     std::uint64_t seenLinesAdded_ = 0;
+    QHash<const QChar *, ShapedLine> shapedLines_;
+    QElapsedTimer sinceFrame_;
+    bool scrollBarsStale_ = false;
+    QTimer *frameTimer_;
 };
 
 } // namespace zkr

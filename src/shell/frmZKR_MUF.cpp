@@ -100,6 +100,15 @@ void frmZKR_MUF::buildControls() {
     Label_OwnLocator_->setVisible(false);
     Label_Telnet_Status_->setVisible(false);
     Label2_->setVisible(false);
+    // The work label comes and goes with every spot: it keeps its place, so
+    // that showing it never lays the window out again.
+    {
+        QSizePolicy policy = Label2_->sizePolicy();
+        policy.setRetainSizeWhenHidden(true);
+        Label2_->setSizePolicy(policy);
+        Label2_->setFixedWidth(
+            Label2_->fontMetrics().horizontalAdvance(QStringLiteral("trying to connect")) + 12);
+    }
     Label_Telnet_Status_->setCursor(Qt::PointingHandCursor);
     Label_Telnet_Status_->installEventFilter(this);
     top->addWidget(Label_OwnCall_);

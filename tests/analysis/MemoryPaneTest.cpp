@@ -62,7 +62,7 @@ TEST(MemoryPane, PrintsNewestSpotOnTopLikeTheEvaluation) {
     EXPECT_EQ(pane.text(), "third MUF=212MHz\r\nsecond MUF=212MHz\r\nfirst MUF=212MHz\r\n");
     ASSERT_EQ(pane.lineCount(), 3);
     EXPECT_EQ(pane.line(0).text, "third MUF=212MHz");
-    ASSERT_EQ(pane.line(0).runs.size(), 2u);
+    ASSERT_EQ(pane.line(0).runs.size(), 2);
     EXPECT_EQ(pane.line(0).runs[0].length, 5);
     EXPECT_EQ(pane.line(0).runs[1].colour, 0xFF00FFu);
 }

@@ -5,12 +5,18 @@
 #include <QFontDatabase>
 #include <QImage>
 #include <QScrollBar>
+#include <QTest>
 
 #include <gtest/gtest.h>
 
 using namespace zkr;
 
 namespace {
+
+// The view catches up within one frame.
+void settle() {
+    QTest::qWait(PaneView::FrameMs + 20);
+}
 
 void printSpot(MemoryPane &pane, const QString &text, std::uint32_t colour = 0) {
     pane.insertColored(text, colour);
@@ -65,6 +71,7 @@ TEST_F(ViewFixture, KeepsAScrolledReaderOnTheSameSpots) {
         printSpot(working, QStringLiteral("spot %1").arg(i));
     }
     view.refresh();
+    settle();
     QScrollBar *bar = view.verticalScrollBar();
     ASSERT_GT(bar->maximum(), 50);
     EXPECT_EQ(view.firstShownLine(), 0);
@@ -78,6 +85,7 @@ TEST_F(ViewFixture, KeepsAScrolledReaderOnTheSameSpots) {
     bar->setValue(0); // at the top the newest spot stays in sight
     printSpot(working, "spot 102");
     view.refresh();
+    settle();
     EXPECT_EQ(view.firstShownLine(), 0);
 }
 
@@ -92,6 +100,7 @@ TEST_F(ViewFixture, PaintsRunsInTheirColours) {
     working.insertColored(u"\r\n", 0);
     working.commit();
     view.refresh();
+    settle();
     const QImage image = view.viewport()->grab().toImage();
     bool magenta = false;
     bool blue = false;

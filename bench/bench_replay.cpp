@@ -21,17 +21,18 @@ using namespace zkr;
 
 constexpr int LineCount = 200000;
 
-const std::array<const char *, 12> Calls{"DL1ABC", "OH1XYZ", "G4ABC", "EA7KW",  "IK0FTA", "SP5XMU",
-                                         "F6ABC",  "OK1DIX", "9A1CAL", "CT1HZE", "S57TW", "PA3FWM"};
+const std::array<const char *, 12> Calls{"DL1ABC", "OH1XYZ", "G4ABC", "EA7KW",
+                                         "IK0FTA", "SP5XMU", "F6ABC", "OK1DIX",
+                                         "9A1CAL", "CT1HZE", "S57TW", "PA3FWM"};
 const std::array<const char *, 10> Locators{"JO62QM", "IO91WM", "KP20LE", "IM76TP", "JN61FW",
                                             "KO02MD", "JN18DT", "JP99LR", "IM58KR", "KN04FR"};
 // %1 and %2 are locators.
 const std::array<const char *, 14> VhfComments{
-    "%1<ES>%2",   "%1 ES %2",  "%1 es %2 tnx", "ES %1 %2 -10dB", "%1<MS>%2",
-    "TR %1 %2",   "EME %1",    "%1 SAT %2",    "%1 %2",          "FT8 %2",
-    "tnx qso %1", "CQ CQ",     "%1 (es) %2",   "TNX ES 73"};
-const std::array<const char *, 6> HfComments{"CQ CQ", "TNX QSO 73", "FT8 -12dB", "CW 599", "",
-                                             "up 2"};
+    "%1<ES>%2",   "%1 ES %2", "%1 es %2 tnx", "ES %1 %2 -10dB", "%1<MS>%2",
+    "TR %1 %2",   "EME %1",   "%1 SAT %2",    "%1 %2",          "FT8 %2",
+    "tnx qso %1", "CQ CQ",    "%1 (es) %2",   "TNX ES 73"};
+const std::array<const char *, 6> HfComments{"CQ CQ",  "TNX QSO 73", "FT8 -12dB",
+                                             "CW 599", "",           "up 2"};
 
 // A session as the console records it: mostly spots (about half of them
 // HF), with the cluster's prompts, announcements, WWV lines, blank lines

@@ -9,7 +9,7 @@ namespace zkr {
 
 // What the replay tool was asked to do.
 struct CliOptions {
-    QString ownLocator;                       // upper-cased, checked
+    QString ownLocator;                         // upper-cased, checked
     QString ownCall = QStringLiteral("NOCALL"); // upper-cased; only sent on "login:"
     bool esSpotsOnly = false;
     bool over144Only = false;

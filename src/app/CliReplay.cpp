@@ -95,7 +95,6 @@ void CliReplay::evaluateSpotPage(QIODevice &input) {
         if (Is_ErrorPage(page)) {
             const std::uint32_t black = Colour_Value(state_.Color_Black);
             for (MemoryPane &pane : panes_) {
-                pane.clear();
                 Print_Colored(pane, QStringLiteral("The Webserver may be down !"), black);
             }
             refreshDisplay();

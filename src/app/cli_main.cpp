@@ -41,9 +41,9 @@ int main(int argc, char *argv[]) {
     }
 
     QFile input;
-    const bool opened = options.fileName.isEmpty()
-                            ? input.open(stdin, QIODevice::ReadOnly)
-                            : (input.setFileName(options.fileName), input.open(QIODevice::ReadOnly));
+    const bool opened = options.fileName.isEmpty() ? input.open(stdin, QIODevice::ReadOnly)
+                                                   : (input.setFileName(options.fileName),
+                                                      input.open(QIODevice::ReadOnly));
     if (!opened) {
         return fail(QStringLiteral("cannot read \"%1\": %2")
                         .arg(options.fileName.isEmpty() ? QStringLiteral("standard input")
@@ -58,8 +58,8 @@ int main(int argc, char *argv[]) {
         run.replayClusterText(input);
     }
     if (input.error() != QFileDevice::NoError) {
-        return fail(QStringLiteral("reading \"%1\" failed: %2")
-                        .arg(options.fileName, input.errorString()));
+        return fail(
+            QStringLiteral("reading \"%1\" failed: %2").arg(options.fileName, input.errorString()));
     }
     // What went into the panes after the last refresh shows as well.
     run.refreshDisplay();

@@ -33,16 +33,16 @@ const QByteArray Session =
 // in the analysis tests (JO62QM to KP20 at 50.150 MHz): Es MUF 63.57 MHz,
 // midpoint JO96GP, own MUF 50.15 MHz, cloud 565.5 km away at azimuth 34.05
 // and elevation 8.36 degrees; the far point is KP20LL.
-const QString Es6m = QString::fromUtf8(
-    "SP9HWY:    50150.0  OH1XYZ       JO62QM<ES>KP20                 1712Z"
-    "    MUF= 64MHz@JO96  FOT= 50MHz -> KP20 AZ= 34 EL=  8");
-const QString Es2m = QString::fromUtf8(
-    "S57TW:    144174.0  IK0FTA       JO62QM<ES>IN80                 1713Z"
-    "    MUF=149MHz@JN26  FOT=144MHz -> IN80 AZ=229 EL=  3");
-const QString Unmarked = QString::fromUtf8(
-    "F6ABC:     50200.0  EA7KW        JN18DT KP20                    1712Z");
-const QString Ms2m = QString::fromUtf8(
-    "DL8EBW:   144300.0  OZ1ABC       JO62QM JO65 ms                 1711Z");
+const QString Es6m =
+    QString::fromUtf8("SP9HWY:    50150.0  OH1XYZ       JO62QM<ES>KP20                 1712Z"
+                      "    MUF= 64MHz@JO96  FOT= 50MHz -> KP20 AZ= 34 EL=  8");
+const QString Es2m =
+    QString::fromUtf8("S57TW:    144174.0  IK0FTA       JO62QM<ES>IN80                 1713Z"
+                      "    MUF=149MHz@JN26  FOT=144MHz -> IN80 AZ=229 EL=  3");
+const QString Unmarked =
+    QString::fromUtf8("F6ABC:     50200.0  EA7KW        JN18DT KP20                    1712Z");
+const QString Ms2m =
+    QString::fromUtf8("DL8EBW:   144300.0  OZ1ABC       JO62QM JO65 ms                 1711Z");
 const QString Hf = QString::fromUtf8(
     "G4ABC:     14074.0  EA7KW        tnx J\xC3\xBCrgen 73                  1710Z");
 
@@ -109,11 +109,16 @@ struct FilterCase {
     QStringList all, vhf, twoMetres, es;
 };
 
+void PrintTo(const FilterCase &c, std::ostream *os) {
+    *os << c.name;
+}
+
 class CliFilters : public CliTest, public ::testing::WithParamInterface<FilterCase> {};
 
 TEST_P(CliFilters, PickTheSpotsOfEachPane) {
     const FilterCase &c = GetParam();
-    const Result r = runCli(QStringList{"--locator", "JO62QM"} + c.options + QStringList{write(Session)});
+    const Result r =
+        runCli(QStringList{"--locator", "JO62QM"} + c.options + QStringList{write(Session)});
     ASSERT_EQ(r.exitCode, 0) << r.err.toStdString();
     const QMap<QString, QStringList> panes = panesOf(r.out);
     EXPECT_EQ(panes.keys(), QStringList({"2m", "All", "Es", "VHF"}));
@@ -124,8 +129,7 @@ TEST_P(CliFilters, PickTheSpotsOfEachPane) {
 }
 
 // The unmarked spot computed as an Es path: flagged doubtful, not an Es spot.
-const QString UnmarkedComputed =
-    Unmarked + "Es? MUF= 51MHz@JO55  FOT= 26MHz -> JO57 AZ=343 EL= 18";
+const QString UnmarkedComputed = Unmarked + "Es? MUF= 51MHz@JO55  FOT= 26MHz -> JO57 AZ=343 EL= 18";
 
 INSTANTIATE_TEST_SUITE_P(
     Table, CliFilters,
@@ -139,9 +143,10 @@ INSTANTIATE_TEST_SUITE_P(
                    {Es2m, Es6m, UnmarkedComputed, Ms2m},
                    {Es2m, Ms2m},
                    {Es2m, Es6m}},
-        // The call is only what a "login:" line would be answered with.
-        FilterCase{"own_call",
-                   {"--call", "dl1abc"},
+        // The call is only what a "login:" line would be answered with; the
+        // program's web-only marker does not switch the replay to web columns.
+        FilterCase{"own_call_web_marker",
+                   {"--call", "!nocall!"},
                    {Es2m, Es6m, Unmarked, Ms2m, Hf},
                    {Es2m, Es6m, Unmarked, Ms2m},
                    {Es2m, Ms2m},
@@ -208,8 +213,8 @@ TEST_F(CliTest, JsonCarriesTheSegmentsWithTheirColours) {
         EXPECT_EQ(all.at(i).toArray(), QJsonArray()) << i;
     }
     EXPECT_EQ(all.at(3).toArray(),
-              QJsonArray({QJsonArray({QString("GB7TST dxspider >") + QChar(0x83) + QChar(0),
-                                      "#0000FF"})}));
+              QJsonArray({QJsonArray(
+                  {QString("GB7TST dxspider >") + QChar(0x83) + QChar(0), "#0000FF"})}));
     EXPECT_TRUE(text(all.at(6).toArray()).contains("\"q\\\"  1714Z    MUF= 64MHz"));
     // The 2 m Es spot: own square highlighted, the fields magenta from a MUF
     // of 144 MHz or more, the equally coloured fields joined into one.
@@ -231,7 +236,8 @@ TEST_F(CliTest, JsonCarriesTheSegmentsWithTheirColours) {
 // spot per table row.
 QByteArray webPage(const QStringList &rows) {
     const QByteArray script =
-        QByteArray("setTimeout(function(){window.location.href = \"http://www.example.org/\"}, 60000)")
+        QByteArray(
+            "setTimeout(function(){window.location.href = \"http://www.example.org/\"}, 60000)")
             .leftJustified(79, ' ', true);
     return "<html><head><script>" + script + "</script></head><body>" +
            rows.join("</td></tr>\n<tr><td>").prepend("<tr><td>").append("</td></tr>").toLatin1() +
@@ -243,6 +249,10 @@ struct WebCase {
     QByteArray page;
     QStringList all, vhf, twoMetres, es;
 };
+
+void PrintTo(const WebCase &c, std::ostream *os) {
+    *os << c.name;
+}
 
 class CliWeb : public CliTest, public ::testing::WithParamInterface<WebCase> {};
 
@@ -257,13 +267,17 @@ TEST_P(CliWeb, EvaluatesADownloadedPage) {
     EXPECT_EQ(panes["Es"], c.es);
 }
 
-const QString Web6mRow = "SP9HWY         50150.0 OH1XYZ       JO62QM ES KP20                     1712Z";
-const QString WebHfRow = "G4ABC          14074.0 EA7KW        FT8 -12dB                          1711Z";
+const QString Web6mRow =
+    "SP9HWY         50150.0 OH1XYZ       JO62QM ES KP20                     1712Z";
+const QString WebHfRow =
+    "G4ABC          14074.0 EA7KW        FT8 -12dB                          1711Z";
 // The page's line rebuilt in the shape of a cluster line, then the fields of
 // the hand-worked path.
-const QString Web6m = "SP9HWY         50150.0 OH1XYZ       JO62QM<ES>KP20                       1712 "
-                      "     MUF= 64MHz@JO96  FOT= 50MHz -> KP20 AZ= 34 EL=  8";
-const QString WebHf = "G4ABC          14074.0 EA7KW        FT8 -12dB                            1711  ";
+const QString Web6m =
+    "SP9HWY         50150.0 OH1XYZ       JO62QM<ES>KP20                       1712 "
+    "     MUF= 64MHz@JO96  FOT= 50MHz -> KP20 AZ= 34 EL=  8";
+const QString WebHf =
+    "G4ABC          14074.0 EA7KW        FT8 -12dB                            1711  ";
 const QString NoEs = "Sorry - no Es-spots found !";
 const QString Down = "The Webserver may be down !";
 

@@ -37,7 +37,6 @@ public:
 
     const std::array<MemoryPane, 4> &panes() const { return panes_; }
     const QStringList &messages() const { return platform_.messages(); }
-    const ProgramState &state() const { return state_; }
 
     // ReceiveHost: sends go nowhere, there is no session.
     void sendData(const QString &) override {}

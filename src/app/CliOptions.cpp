@@ -1,0 +1,90 @@
+#include "CliOptions.h"
+
+#include "Locators.h"
+#include "ProgramState.h"
+
+#include <QCommandLineParser>
+
+namespace zkr {
+
+QString cliUsage() {
+    return QStringLiteral(
+        "Usage: zkr_muf_cli --locator LOC [--call CALL] [--es-only] [--over144] [--eval-all]\n"
+        "                   [--web] [--json] [FILE]\n"
+        "\n"
+        "Replays recorded DX-cluster text (FILE, or standard input when FILE is missing\n"
+        "or \"-\") line by line, evaluates the spots for sporadic-E propagation and prints\n"
+        "the panes All, VHF, 2m and Es, newest spot first.\n"
+        "\n"
+        "  --locator LOC  own Maidenhead locator (6 characters), required\n"
+        "  --call CALL    own call sign, answered to a \"login:\" line (default NOCALL)\n"
+        "  --es-only      print Es spots only\n"
+        "  --over144      print spots of 144 MHz and above only\n"
+        "  --eval-all     also compute spots that carry no mode marker\n"
+        "  --web          FILE is a downloaded web spot page, not cluster text\n"
+        "  --json         print the panes as JSON, with the colour of every segment\n"
+        "  -h, --help     print this help\n"
+        "\n"
+        "Exit status: 0 on success, 2 for bad arguments or an unreadable FILE.\n");
+}
+
+std::variant<CliOptions, QString> parseCliOptions(const QStringList &arguments) {
+    const QCommandLineOption locator(QStringLiteral("locator"), QString(), QStringLiteral("LOC"));
+    const QCommandLineOption call(QStringLiteral("call"), QString(), QStringLiteral("CALL"));
+    const QCommandLineOption esOnly(QStringLiteral("es-only"));
+    const QCommandLineOption over144(QStringLiteral("over144"));
+    const QCommandLineOption evalAll(QStringLiteral("eval-all"));
+    const QCommandLineOption web(QStringLiteral("web"));
+    const QCommandLineOption json(QStringLiteral("json"));
+    const QCommandLineOption help(QStringList{QStringLiteral("h"), QStringLiteral("help")});
+
+    QCommandLineParser parser;
+    parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
+    parser.addOptions({locator, call, esOnly, over144, evalAll, web, json, help});
+    if (!parser.parse(arguments)) {
+        return parser.errorText();
+    }
+
+    CliOptions options;
+    options.help = parser.isSet(help);
+    if (options.help) {
+        return options;
+    }
+    const QStringList files = parser.positionalArguments();
+    if (files.size() > 1) {
+        return QStringLiteral("only one FILE can be replayed, got %1").arg(files.size());
+    }
+    if (!files.isEmpty() && files.front() != QLatin1String("-")) {
+        options.fileName = files.front();
+    }
+    if (!parser.isSet(locator)) {
+        return QStringLiteral("the own locator is required: --locator LOC");
+    }
+    // Locators are kept upper-case; the check itself takes upper case only.
+    options.ownLocator = parser.value(locator).toUpper();
+    ProgramState scratch;
+    if (Check_Locator(scratch, options.ownLocator)) {
+        return QStringLiteral("\"%1\" is not a Maidenhead locator (e.g. JO62QM)")
+            .arg(parser.value(locator));
+    }
+    // The program takes a square alone, but then no path can be computed:
+    // the own position is the centre of the subsquare.
+    if (options.ownLocator.size() != 6) {
+        return QStringLiteral("the own locator needs all 6 characters (e.g. JO62QM), not \"%1\"")
+            .arg(parser.value(locator));
+    }
+    if (parser.isSet(call)) {
+        options.ownCall = parser.value(call).trimmed().toUpper();
+        if (options.ownCall.isEmpty()) {
+            return QStringLiteral("the call sign given with --call is empty");
+        }
+    }
+    options.esSpotsOnly = parser.isSet(esOnly);
+    options.over144Only = parser.isSet(over144);
+    options.evalAll = parser.isSet(evalAll);
+    options.webPage = parser.isSet(web);
+    options.json = parser.isSet(json);
+    return options;
+}
+
+} // namespace zkr

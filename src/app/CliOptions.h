@@ -1,0 +1,29 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+#include <variant>
+
+namespace zkr {
+
+// What the replay tool was asked to do.
+struct CliOptions {
+    QString ownLocator;                         // upper-cased, checked
+    QString ownCall = QStringLiteral("NOCALL"); // upper-cased; only sent on "login:"
+    bool esSpotsOnly = false;
+    bool over144Only = false;
+    bool evalAll = false;
+    bool webPage = false;
+    bool json = false;
+    bool help = false;
+    QString fileName; // "" for standard input
+};
+
+// Reads the tool's command line (program name first). Returns the options,
+// or a message saying what is wrong with the arguments.
+std::variant<CliOptions, QString> parseCliOptions(const QStringList &arguments);
+
+QString cliUsage();
+
+} // namespace zkr

@@ -1,0 +1,111 @@
+#include "CliReplay.h"
+
+#include "CliOptions.h"
+#include "EvaluationCycle.h"
+#include "HeadlessStartupWindow.h"
+#include "ResultOutput.h"
+#include "RunTimeError.h"
+#include "SpotLineParsing.h"
+#include "SpotPage.h"
+#include "Startup.h"
+#include "TelnetReceive.h"
+
+#include <QIODevice>
+
+namespace zkr {
+
+CliReplay::CliReplay(const CliOptions &options)
+    : over144Only_(options.over144Only), esSpotsOnly_(options.esSpotsOnly) {
+    const QString mode = options.webPage ? QStringLiteral("WEBCLUSTER") : QStringLiteral("FILE");
+    state_.RunMode = mode;
+    HeadlessStartupWindow window(state_, options.ownCall, options.ownLocator);
+    Form_Load(state_, platform_, window);
+    // The mode is the tool's choice: an own call that happens to be one of
+    // the mode markers must not switch the column table.
+    state_.RunMode = mode;
+    Load_ColumnTable(state_);
+    state_.Eval_Flag = options.evalAll;
+}
+
+Pane &CliReplay::workingPane(int index) {
+    return panes_.at(static_cast<std::size_t>(index));
+}
+
+void CliReplay::evaluateClusterLine() {
+    Evaluate_ClusterLine(state_, platform_, working_, *this);
+}
+
+void CliReplay::refreshDisplay() {
+    for (MemoryPane &pane : panes_) {
+        pane.commit();
+    }
+}
+
+void CliReplay::receiveLine(const char *data, qsizetype size) {
+    state_.Telnet_Text = QString::fromLatin1(data, size);
+    Telnet_Receive(state_, *this);
+}
+
+long long CliReplay::replayClusterText(QIODevice &input) {
+    long long lines = 0;
+    try {
+        // A line cut by the end of a block waits in `pending` for its rest.
+        QByteArray pending;
+        bool afterCr = false;
+        char buffer[65536];
+        for (qint64 got = input.read(buffer, sizeof buffer); got > 0;
+             got = input.read(buffer, sizeof buffer)) {
+            qint64 start = 0;
+            for (qint64 i = 0; i < got; ++i) {
+                const char c = buffer[i];
+                if (c == '\n' && afterCr) {
+                    afterCr = false;
+                    start = i + 1;
+                    continue;
+                }
+                afterCr = c == '\r';
+                if (c != '\r' && c != '\n') {
+                    continue;
+                }
+                if (pending.isEmpty()) {
+                    receiveLine(buffer + start, i - start);
+                } else {
+                    pending.append(buffer + start, i - start);
+                    receiveLine(pending.constData(), pending.size());
+                    pending.clear();
+                }
+                ++lines;
+                start = i + 1;
+            }
+            pending.append(buffer + start, got - start);
+        }
+        if (!pending.isEmpty()) {
+            receiveLine(pending.constData(), pending.size());
+            ++lines;
+        }
+    } catch (const RunTimeError &error) {
+        reportRunTimeError(platform_, error);
+    }
+    return lines;
+}
+
+void CliReplay::evaluateSpotPage(QIODevice &input) {
+    const QString page = QString::fromLatin1(input.readAll());
+    try {
+        if (Is_ErrorPage(page)) {
+            const std::uint32_t black = Colour_Value(state_.Color_Black);
+            for (MemoryPane &pane : panes_) {
+                Print_Colored(pane, QStringLiteral("The Webserver may be down !"), black);
+            }
+            refreshDisplay();
+            return;
+        }
+        state_.FirstFetch = false;
+        state_.SpotPage_Previous = page;
+        Evaluate_SpotLines(state_, platform_, working_, *this, Split_SpotPage(Strip_Tags(page)));
+    } catch (const RunTimeError &error) {
+        reportRunTimeError(platform_, error);
+    }
+}
+
+} // namespace zkr

@@ -1,0 +1,28 @@
+#pragma once
+
+#include "MemoryPane.h"
+
+#include <QString>
+#include <QStringList>
+
+#include <array>
+
+class QIODevice;
+
+namespace zkr {
+
+// The names of the four panes, as the main window's tabs show them.
+inline constexpr std::array<const char *, 4> PaneNames{"All", "VHF", "2m", "Es"};
+
+// Writes each pane as a heading "== Name ==" followed by its committed lines,
+// top (newest) first, one per line, UTF-8.
+void Write_PanesText(QIODevice &out, const std::array<MemoryPane, 4> &panes);
+
+// Writes {"panes":[{"name":..,"lines":[[["text","#RRGGBB"],..],..]},..],
+// "messages":[..]}: every line a list of its coloured segments (the panes'
+// &H00BBGGRR colours as "#RRGGBB"), equally coloured neighbours merged and
+// empty ones left out. UTF-8.
+void Write_PanesJson(QIODevice &out, const std::array<MemoryPane, 4> &panes,
+                     const QStringList &messages);
+
+} // namespace zkr

@@ -1,5 +1,7 @@
 #include "CliReplay.h"
 
+#include "SpotFileReplay.h"
+
 #include "CliOptions.h"
 #include "EvaluationCycle.h"
 #include "HeadlessStartupWindow.h"
@@ -8,7 +10,6 @@
 #include "SpotLineParsing.h"
 #include "SpotPage.h"
 #include "Startup.h"
-#include "TelnetReceive.h"
 
 #include <QIODevice>
 
@@ -41,52 +42,13 @@ void CliReplay::refreshDisplay() {
     }
 }
 
-void CliReplay::receiveLine(const char *data, qsizetype size) {
-    state_.Telnet_Text = QString::fromLatin1(data, size);
-    Telnet_Receive(state_, *this);
-}
-
 long long CliReplay::replayClusterText(QIODevice &input) {
-    long long lines = 0;
     try {
-        // A line cut by the end of a block waits in `pending` for its rest.
-        QByteArray pending;
-        bool afterCr = false;
-        char buffer[65536];
-        for (qint64 got = input.read(buffer, sizeof buffer); got > 0;
-             got = input.read(buffer, sizeof buffer)) {
-            qint64 start = 0;
-            for (qint64 i = 0; i < got; ++i) {
-                const char c = buffer[i];
-                if (c == '\n' && afterCr) {
-                    afterCr = false;
-                    start = i + 1;
-                    continue;
-                }
-                afterCr = c == '\r';
-                if (c != '\r' && c != '\n') {
-                    continue;
-                }
-                if (pending.isEmpty()) {
-                    receiveLine(buffer + start, i - start);
-                } else {
-                    pending.append(buffer + start, i - start);
-                    receiveLine(pending.constData(), pending.size());
-                    pending.clear();
-                }
-                ++lines;
-                start = i + 1;
-            }
-            pending.append(buffer + start, got - start);
-        }
-        if (!pending.isEmpty()) {
-            receiveLine(pending.constData(), pending.size());
-            ++lines;
-        }
+        return SpotFileReplay::replayDevice(input, state_, *this);
     } catch (const RunTimeError &error) {
         reportRunTimeError(platform_, error);
     }
-    return lines;
+    return 0;
 }
 
 void CliReplay::evaluateSpotPage(QIODevice &input) {

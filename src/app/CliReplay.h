@@ -55,8 +55,6 @@ public:
     void setConsoleData(const QString &) override {}
 
 private:
-    void receiveLine(const char *data, qsizetype size);
-
     ProgramState state_;
     ScriptedPlatform platform_;
     std::array<MemoryPane, 4> panes_;

@@ -11,8 +11,8 @@ namespace zkr {
 
 namespace {
 
-void receiveLine(ProgramState &state, ReceiveHost &host, const QByteArray &bytes) {
-    state.Telnet_Text = QString::fromLatin1(bytes);
+void receiveLine(ProgramState &state, ReceiveHost &host, const char *data, qsizetype size) {
+    state.Telnet_Text = QString::fromLatin1(data, size);
     Telnet_Receive(state, host);
 }
 
@@ -41,31 +41,43 @@ long long SpotFileReplay::replayFile(const QString &fileName, ProgramState &stat
     if (!file.open(QIODevice::ReadOnly)) {
         throw RunTimeError(RunTimeError::FileNotFound, fileName);
     }
-    // Lines end at CR LF, CR or LF; the end itself is not part of the line.
+    return replayDevice(file, state, host);
+}
+
+long long SpotFileReplay::replayDevice(QIODevice &input, ProgramState &state, ReceiveHost &host) {
     long long lines = 0;
-    QByteArray line;
+    // A line cut by the end of a block waits in `pending` for its rest.
+    QByteArray pending;
     bool afterCr = false;
     char buffer[65536];
-    for (qint64 got = file.read(buffer, sizeof buffer); got > 0;
-         got = file.read(buffer, sizeof buffer)) {
+    for (qint64 got = input.read(buffer, sizeof buffer); got > 0;
+         got = input.read(buffer, sizeof buffer)) {
+        qint64 start = 0;
         for (qint64 i = 0; i < got; ++i) {
             const char c = buffer[i];
             if (c == '\n' && afterCr) {
                 afterCr = false;
+                start = i + 1;
                 continue;
             }
             afterCr = c == '\r';
-            if (c == '\r' || c == '\n') {
-                receiveLine(state, host, line);
-                line.clear();
-                ++lines;
-            } else {
-                line.append(c);
+            if (c != '\r' && c != '\n') {
+                continue;
             }
+            if (pending.isEmpty()) {
+                receiveLine(state, host, buffer + start, i - start);
+            } else {
+                pending.append(buffer + start, i - start);
+                receiveLine(state, host, pending.constData(), pending.size());
+                pending.clear();
+            }
+            ++lines;
+            start = i + 1;
         }
+        pending.append(buffer + start, got - start);
     }
-    if (!line.isEmpty()) {
-        receiveLine(state, host, line);
+    if (!pending.isEmpty()) {
+        receiveLine(state, host, pending.constData(), pending.size());
         ++lines;
     }
     return lines;

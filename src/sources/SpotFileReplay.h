@@ -2,6 +2,8 @@
 
 #include <QString>
 
+class QIODevice;
+
 namespace zkr {
 
 struct ProgramState;
@@ -19,6 +21,10 @@ public:
     void Replay_SpotFile(ProgramState &state, Platform &platform, ReceiveHost &host);
     // Replays the named file without asking; returns the number of lines.
     static long long replayFile(const QString &fileName, ProgramState &state, ReceiveHost &host);
+    // Replays everything readable from `input` (a file, standard input),
+    // line by line: lines end at CR LF, CR or LF, the end itself is not part
+    // of the line, and text is single-byte.
+    static long long replayDevice(QIODevice &input, ProgramState &state, ReceiveHost &host);
 
     const QString &fileName() const { return fileName_; }
 

@@ -25,6 +25,10 @@ inline const QString WebClusterBase = QStringLiteral("http://www.dxsummit.fi");
 inline const QString WebClusterUrl =
     WebClusterBase + QStringLiteral("/DxSpots.aspx?count=200&range=3");
 
+// Environment values that replace the spot list and the download page.
+inline const QString WebClusterUrlVariable = QStringLiteral("ZKR_MUF_WEBCLUSTER_URL");
+inline const QString DownloadPageUrlVariable = QStringLiteral("ZKR_MUF_DOWNLOAD_URL");
+
 // Our own pages: placeholders until the project has its own site.
 inline const QString DownloadPageUrl = QStringLiteral("https://zkr-muf.example.org/download.html");
 inline const QString HomePageUrl = QStringLiteral("https://zkr-muf.example.org/");

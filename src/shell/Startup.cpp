@@ -114,8 +114,16 @@ void Form_Load(ProgramState &s, Platform &platform, StartupWindow &window) {
     s.EsSpotsOnly_Changed = false;
     s.Over144_Changed = false;
     s.SpotPage_Previous.clear();
-    s.WebCluster_Url = site::WebClusterUrl;
-    s.UpdatePage_Url = site::DownloadPageUrl;
+    // The environment may name another spot list or download page (a
+    // mirror, or a server of the tests on this machine).
+    s.WebCluster_Url = platform.environmentValue(site::WebClusterUrlVariable);
+    if (s.WebCluster_Url.isEmpty()) {
+        s.WebCluster_Url = site::WebClusterUrl;
+    }
+    s.UpdatePage_Url = platform.environmentValue(site::DownloadPageUrlVariable);
+    if (s.UpdatePage_Url.isEmpty()) {
+        s.UpdatePage_Url = site::DownloadPageUrl;
+    }
     s.Pi = 4.0 * std::atan(1.0);
     s.Rad2Deg = 180.0 / s.Pi;
     s.Deg2Rad = s.Pi / 180.0;

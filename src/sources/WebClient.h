@@ -26,6 +26,8 @@ public:
     explicit WebClient(QObject *parent = nullptr);
     WebClient(Options options, QObject *parent);
 
+    void setOptions(Options options) { options_ = options; }
+
     // Progress captions ("trying to connect", "connected", "requesting"),
     // shown on the main window's work label.
     void setCaptionHandler(std::function<void(const QString &)> handler) {

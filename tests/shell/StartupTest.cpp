@@ -103,11 +103,21 @@ TEST(Startup, SetsDefaultsAndConstants) {
     EXPECT_FALSE(s.Eval_Flag);
     EXPECT_EQ(s.WebCluster_Url, site::WebClusterUrl);
     EXPECT_TRUE(s.WebCluster_Url.endsWith(QStringLiteral("/DxSpots.aspx?count=200&range=3")));
+    EXPECT_EQ(s.UpdatePage_Url, site::DownloadPageUrl);
     EXPECT_EQ(s.Telnet_Call, site::DefaultClusterCall);
     EXPECT_EQ(s.Telnet_Host, site::DefaultClusterHost);
     EXPECT_EQ(s.Telnet_Port, QStringLiteral("7300"));
     EXPECT_TRUE(run.platform.log().isEmpty())
         << run.platform.log().join(QLatin1Char('\n')).toStdString();
+}
+
+TEST(Startup, EnvironmentNamesAnotherSpotListAndDownloadPage) {
+    StartupRun run;
+    run.platform.setEnvironmentValue("ZKR_MUF_WEBCLUSTER_URL", "http://127.0.0.1:8080/spots");
+    run.platform.setEnvironmentValue("ZKR_MUF_DOWNLOAD_URL", "http://127.0.0.1:8080/download");
+    run.start();
+    EXPECT_EQ(run.state.WebCluster_Url, "http://127.0.0.1:8080/spots");
+    EXPECT_EQ(run.state.UpdatePage_Url, "http://127.0.0.1:8080/download");
 }
 
 TEST(Startup, RunsItsStepsInOrder) {

@@ -32,8 +32,7 @@ private:
 // Prints the analysed spot as the filter boxes and its mode say. Returns
 // true when it is an Es spot whose results went into the panes.
 bool printSpot(ProgramState &state, const ResultPanes &panes, EvaluationView &view) {
-    if (view.over144Only() &&
-        !(view.over144Only() && state.Spot_Frequency >= state.MinFrequency_MHz)) {
+    if (view.over144Only() && state.Spot_Frequency < state.MinFrequency_MHz) {
         return false;
     }
     const std::uint32_t black = Colour_Value(state.Color_Black);
@@ -106,7 +105,7 @@ void Evaluate_ClusterLine(ProgramState &state, Platform &platform, const ResultP
         }
         if (state.SpotLine_Count > 0) {
             Trim_SpotLines(state);
-            state.Busy = true;
+            state.Busy = true; // the trimming clears it; the cycle is not over
         }
         view.refreshDisplay();
         view.setConsoleData(state.Spot_Line);

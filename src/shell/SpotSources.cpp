@@ -10,10 +10,17 @@
 #include "SpotPage.h"
 #include "frmZKR_MUF.h"
 
+#include <QTimer>
+
 namespace zkr {
 
 SpotSources::SpotSources(ProgramState &state, Platform &platform, frmZKR_MUF &window)
     : state_(state), platform_(platform), window_(window), session_(state, platform, *this) {
+    // The console record starts as the empty elements 0 to 10, like the
+    // program's other line stores; the first received chunk becomes 1.
+    if (state_.Console_Lines.isEmpty()) {
+        state_.Console_Lines.resize(11);
+    }
     session_.setReceiveHost(this);
     web_.setCaptionHandler([this](const QString &caption) { window_.showWorkLabel(caption); });
     web_.setFailureHandler([this](int) {
@@ -32,6 +39,27 @@ ResultPanes SpotSources::workingPanes() {
 
 void SpotSources::Telnet_Connect() {
     session_.Telnet_Connect();
+}
+
+FrmTelnet &SpotSources::console() {
+    if (console_ == nullptr) {
+        console_ = std::make_unique<FrmTelnet>(state_, platform_, *this);
+    }
+    return *console_;
+}
+
+void SpotSources::showConsole() {
+    FrmTelnet &window = console();
+    window.setWindowState(window.windowState() & ~Qt::WindowMinimized);
+    window.show();
+    window.raise();
+    window.activateWindow();
+}
+
+void SpotSources::unloadConsole() {
+    if (console_ != nullptr) {
+        console_->close();
+    }
 }
 
 void SpotSources::closeSession() {
@@ -125,17 +153,42 @@ void SpotSources::refreshDisplay() {
     window_.refreshPanes();
 }
 
-// The telnet console window is not there yet: its fields stay unshown.
-void SpotSources::setConsoleData(const QString &) {}
+void SpotSources::setConsoleData(const QString &line) {
+    console().setDataField(line);
+}
 
 void SpotSources::setStatusLabel(const QString &caption, std::uint32_t bgrColour) {
     window_.setStatusLabel(caption, bgrColour);
 }
 
-void SpotSources::setConsoleState(const QString &, std::uint32_t) {}
+void SpotSources::setConsoleState(const QString &caption, std::uint32_t bgrColour) {
+    console().setConnectionState(caption, bgrColour);
+}
 
-void SpotSources::prepareConsole(const QString &, const QString &, const QString &) {}
+void SpotSources::prepareConsole(const QString &host, const QString &port, const QString &call) {
+    FrmTelnet &window = console();
+    window.setFields(host, port, call);
+    // Loads the console without showing it; a shown console goes down to
+    // the task bar.
+    window.setWindowState(window.windowState() | Qt::WindowMinimized);
+}
 
-void SpotSources::appendConsole(const QString &) {}
+void SpotSources::appendConsole(const QString &chunk) {
+    console().appendRecord(chunk);
+}
+
+void SpotSources::prepareFileReplay() {
+    window_.Timer1()->stop();
+    window_.hideWorkLabel();
+    window_.disableFilters();
+}
+
+void SpotSources::startWebRefresh() {
+    window_.Timer1()->start();
+}
+
+void SpotSources::runStartup() {
+    window_.Form_Load();
+}
 
 } // namespace zkr

@@ -1,12 +1,15 @@
 #pragma once
 
 #include "EvaluationView.h"
+#include "FrmTelnet.h"
 #include "ReceiveHost.h"
 #include "ResultPanes.h"
 #include "SessionView.h"
 #include "SpotFileReplay.h"
 #include "TelnetSession.h"
 #include "WebClient.h"
+
+#include <memory>
 
 namespace zkr {
 
@@ -16,16 +19,26 @@ class frmZKR_MUF;
 
 // Connects the three spot sources (telnet cluster, web spot page, recorded
 // file) with the evaluation cycle and the main window's panes and labels.
-class SpotSources : public ReceiveHost, public EvaluationView, public SessionView {
+class SpotSources : public ReceiveHost,
+                    public EvaluationView,
+                    public SessionView,
+                    public FrmTelnet::Host {
 public:
     SpotSources(ProgramState &state, Platform &platform, frmZKR_MUF &window);
 
     void Telnet_Connect();
-    void Replay_SpotFile();
+    void Replay_SpotFile() override;
     // Fetches the web spot page and evaluates it when it is new.
-    void Evaluate_SpotPage();
+    void Evaluate_SpotPage() override;
     // Closes the telnet session and shows it as not connected.
     void closeSession();
+
+    // The telnet console, loaded (not shown) on first use.
+    FrmTelnet &console();
+    // Brings the console up in front, as the user asks for it.
+    void showConsole();
+    // Closes the console, if it was ever loaded, on the way out.
+    void unloadConsole();
 
     TelnetSession &session() { return session_; }
     WebClient &web() { return web_; }
@@ -52,6 +65,11 @@ public:
     void prepareConsole(const QString &host, const QString &port, const QString &call) override;
     void appendConsole(const QString &chunk) override;
 
+    // FrmTelnet::Host
+    void prepareFileReplay() override;
+    void startWebRefresh() override;
+    void runStartup() override;
+
 private:
     ResultPanes workingPanes();
 
@@ -61,6 +79,8 @@ private:
     TelnetSession session_;
     WebClient web_;
     SpotFileReplay replay_;
+    // A window of its own, like the main window, not one inside it.
+    std::unique_ptr<FrmTelnet> console_;
 };
 
 } // namespace zkr

@@ -131,6 +131,9 @@ void frmZKR_MUF::buildControls() {
         top->addWidget(button);
         return button;
     };
+    // The console is where a user sends cluster commands and records a
+    // debug file.
+    Command_Telnet_ = makeButton(QStringLiteral("Telnet"), "Command_Telnet");
     Setup_ = makeButton(QStringLiteral("&Setup"), "Setup");
     About_ = makeButton(QStringLiteral("&About"), "About");
     Command_End_ = makeButton(QStringLiteral("&EXIT"), "Command_End");
@@ -161,7 +164,8 @@ void frmZKR_MUF::buildControls() {
     column->addWidget(SSTab1_, 1);
     setCentralWidget(central);
 
-    setTabOrder(SSTab1_, Setup_);
+    setTabOrder(SSTab1_, Command_Telnet_);
+    setTabOrder(Command_Telnet_, Setup_);
     setTabOrder(Setup_, About_);
     setTabOrder(About_, Command_End_);
 
@@ -176,6 +180,7 @@ void frmZKR_MUF::buildControls() {
     connect(Command_End_, &QPushButton::clicked, this, [this] { Command_End_Click(); });
     connect(About_, &QPushButton::clicked, this, [this] { runHandler([this] { About_Click(); }); });
     connect(Setup_, &QPushButton::clicked, this, [this] { runHandler([this] { Setup_Click(); }); });
+    connect(Command_Telnet_, &QPushButton::clicked, this, [this] { Command_Telnet_Click(); });
     connect(copyAction_, &QAction::triggered, this, [this] { Copy_Click(); });
 
     // Room for panes of 15100 x 6840 twips (about 1007 x 456 pixels).
@@ -239,6 +244,14 @@ bool frmZKR_MUF::over144Only() const {
 
 bool frmZKR_MUF::esSpotsOnly() const {
     return Check_EsSpotsOnly_->isChecked();
+}
+
+void frmZKR_MUF::disableFilters() {
+    for (QCheckBox *filter : {Check_Over144MHZOnly_, Check_EsSpotsOnly_}) {
+        filter->setEnabled(false);
+        filter->setVisible(false);
+        filter->setChecked(false);
+    }
 }
 
 frmInfo &frmZKR_MUF::aboutWindow() {
@@ -333,11 +346,7 @@ void frmZKR_MUF::applyModeSettings(bool secondPass) {
         SSTab1_->setTabEnabled(i, true);
     }
     // The two filters are not offered in this version.
-    for (QCheckBox *filter : {Check_Over144MHZOnly_, Check_EsSpotsOnly_}) {
-        filter->setEnabled(false);
-        filter->setVisible(false);
-        filter->setChecked(false);
-    }
+    disableFilters();
     if (web) {
         Label_Telnet_Status_->setText(QStringLiteral("Listen to ") + site::WebClusterBase);
         setBackground(Label_Telnet_Status_, fromBgr(Yellow));
@@ -417,7 +426,10 @@ void frmZKR_MUF::centreDialogsOverMain() {
 }
 
 void frmZKR_MUF::prepareDeveloperConsole() {
-    // Filled by the telnet console.
+    FrmTelnet &console = sources_->console();
+    console.setFields(state_.Telnet_Host, state_.Telnet_Port, state_.OwnCall);
+    console.showMinimized();
+    platform_.processEvents();
 }
 
 void frmZKR_MUF::telnetConnect() {
@@ -456,6 +468,7 @@ void frmZKR_MUF::unloadAllWindows() {
     if (info_ != nullptr) {
         info_->close();
     }
+    sources_->unloadConsole();
     close();
 }
 
@@ -553,6 +566,10 @@ void frmZKR_MUF::About_Click() {
 
 void frmZKR_MUF::Setup_Click() {
     setupDialog_->Setup_Click();
+}
+
+void frmZKR_MUF::Command_Telnet_Click() {
+    sources_->showConsole();
 }
 
 void frmZKR_MUF::Copy_Click() {

@@ -65,6 +65,8 @@ public:
     void hideWorkLabel();
     bool over144Only() const;
     bool esSpotsOnly() const;
+    // Both filter check boxes disabled, hidden and unchecked.
+    void disableFilters();
     SettingsFile &settings() { return settings_; }
     SpotSources &sources() { return *sources_; }
     SetupDialogLink &setupDialog() { return *setupDialog_; }
@@ -84,6 +86,8 @@ public:
     [[noreturn]] void Command_End_Click();
     void About_Click();
     void Setup_Click();
+    // Opens the telnet console in front.
+    void Command_Telnet_Click();
     // Clears the clipboard and puts the visible pane's selection on it, or
     // its whole text when nothing is selected.
     void Copy_Click();
@@ -152,6 +156,7 @@ private:
     QPushButton *Command_End_ = nullptr;
     QPushButton *About_ = nullptr;
     QPushButton *Setup_ = nullptr;
+    QPushButton *Command_Telnet_ = nullptr;
     QTimer *Timer1_ = nullptr;
     QLabel *Label_Telnet_Status_ = nullptr;
     QLabel *Label_OwnCall_ = nullptr;

@@ -1,6 +1,7 @@
 #include "CliReplay.h"
 
 #include "SpotFileReplay.h"
+#include "TelnetReceive.h"
 
 #include "CliOptions.h"
 #include "EvaluationCycle.h"
@@ -49,6 +50,15 @@ long long CliReplay::replayClusterText(QIODevice &input) {
         reportRunTimeError(platform_, error);
     }
     return 0;
+}
+
+void CliReplay::receiveChunk(const QString &text) {
+    state_.Telnet_Text = text;
+    try {
+        Telnet_Receive(state_, *this);
+    } catch (const RunTimeError &error) {
+        reportRunTimeError(platform_, error);
+    }
 }
 
 void CliReplay::evaluateSpotPage(QIODevice &input) {

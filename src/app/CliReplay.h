@@ -34,6 +34,8 @@ public:
     long long replayClusterText(QIODevice &input);
     // Evaluates all of `input` as a downloaded web spot page.
     void evaluateSpotPage(QIODevice &input);
+    // One received chunk through the receive processor, as from a session.
+    void receiveChunk(const QString &text);
 
     const std::array<MemoryPane, 4> &panes() const { return panes_; }
     const QStringList &messages() const { return platform_.messages(); }

@@ -1,0 +1,23 @@
+// A settings file, anything at all: read every key the program reads, write
+// one, and the file must still hold every other line and give the value back.
+#include "FuzzSupport.h"
+#include "IniFile.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
+    ensureApplication();
+    const QByteArray content(reinterpret_cast<const char *>(data), static_cast<qsizetype>(size));
+    zkr::IniFile ini(content);
+    const char *keys[][2] = {{"Version", "Version"},    {"Call", "OwnCall"},
+                             {"Locator", "OwnLocator"}, {"Telnet", "Telnet_Host"},
+                             {"Position", "Left"},      {"AutoUpdateCheck", "UpdateCheck"}};
+    for (const auto &key : keys) {
+        (void)ini.value(QString::fromLatin1(key[0]), QString::fromLatin1(key[1]));
+    }
+    ini.setValue(QStringLiteral("Call"), QStringLiteral("OwnCall"), QStringLiteral("DL1ABC"));
+    const zkr::IniFile again(ini.content());
+    const std::optional<QString> call = again.value(u"call", u"OWNCALL");
+    if (!call || *call != QStringLiteral("DL1ABC")) {
+        std::abort();
+    }
+    return 0;
+}

@@ -1,0 +1,31 @@
+// A downloaded web spot page, anything at all: tag removal, the cut of the
+// redirect script, the line split, the entity clean-up and the evaluation.
+#include "EvaluationCycle.h"
+#include "FuzzSupport.h"
+#include "SpotPage.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
+    ensureApplication();
+    if (size == 0) {
+        return 0;
+    }
+    const QByteArray page(reinterpret_cast<const char *>(data + 1),
+                          static_cast<qsizetype>(size - 1));
+    const QString text = QString::fromLatin1(page);
+    const QString stripped = zkr::Strip_Tags(text);
+    if (stripped.size() > text.size()) {
+        std::abort();
+    }
+    for (const QString &line : zkr::Split_SpotPage(stripped)) {
+        if (zkr::Clean_SpotLine(line).size() > line.size()) {
+            std::abort(); // the clean-up only ever shortens or keeps a line
+        }
+    }
+    zkr::CliReplay replay(fuzzOptions(data[0], true));
+    QBuffer input;
+    input.setData(page);
+    input.open(QIODevice::ReadOnly);
+    replay.evaluateSpotPage(input);
+    checkPanes(replay);
+    return 0;
+}

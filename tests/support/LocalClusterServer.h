@@ -26,6 +26,8 @@ public:
     // Sends raw bytes to every logged-in client as one write.
     void send(const QByteArray &bytes);
     void closeClients();
+    // Nothing written is still waiting to go out.
+    bool socketIdle() const;
     // The prompt the node sends after the login.
     static QByteArray prompt(const QString &call);
 

@@ -106,5 +106,26 @@ TEST_F(IniFileTest, FailedWriteLeavesTheOldFileWhole) {
     EXPECT_EQ(QDir(dir_.path()).entryList(QDir::Files), QStringList{QStringLiteral("zkr_muf.ini")});
 }
 
+TEST_F(IniFileTest, UnwritablePlacesFailQuietlyAndATruncatedFileStillReads) {
+    // Root may write anywhere it has a folder; no folder at all stops anyone.
+    const QString underAFile = path_ + QStringLiteral("/zkr_muf.ini");
+    const QString noFolder = dir_.filePath(QStringLiteral("gone/zkr_muf.ini"));
+    for (const QString &place : {underAFile, noFolder}) {
+        EXPECT_EQ(Ini_Write(QStringLiteral("Call"), QStringLiteral("OwnCall"), QStringLiteral("X"),
+                            place),
+                  QStringLiteral("0"));
+        EXPECT_EQ(Ini_Read(state_, QStringLiteral("Call"), QStringLiteral("OwnCall"),
+                           QStringLiteral("none"), place),
+                  QStringLiteral("none"));
+    }
+    EXPECT_EQ(test::readBytes(path_), HandWritten);
+
+    // A file cut off mid-line by a crash of some other program.
+    ASSERT_TRUE(test::writeBytes(path_, HandWritten.left(HandWritten.indexOf("Value with") + 5)));
+    EXPECT_EQ(read("CALL", "ownCALL"), QStringLiteral("dl1abc"));
+    EXPECT_EQ(read("Other Stuff", "Key"), QStringLiteral("Value"));
+    EXPECT_EQ(read("Position", "Left", "none"), QStringLiteral("none"));
+}
+
 } // namespace
 } // namespace zkr

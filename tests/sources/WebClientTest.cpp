@@ -86,6 +86,22 @@ TEST_F(WebFixture, SilentServerIsGivenUpAfterTheTimeout) {
     EXPECT_EQ(failures.size(), 1);
 }
 
+TEST_F(WebFixture, SlowAndTruncatedAnswersAreTakenAsTheyCome) {
+    LocalHttpServer::Response slow = page(200, "<html>late but whole</html>");
+    slow.delayMs = 300;
+    LocalHttpServer::Response cut = page(200, QByteArray(4000, 'x'));
+    cut.truncate = true; // announces 4000 bytes, sends 2000, hangs up
+    server.setResponse("/slow", slow);
+    server.setResponse("/cut", cut);
+    WebClient web({11, 2000, 3000}, nullptr);
+    watch(web);
+    EXPECT_EQ(web.Open_Url(server.url("/slow")), "<html>late but whole</html>");
+    const QString partial = web.Open_Url(server.url("/cut"));
+    EXPECT_TRUE(web.lastUrlOpened());
+    EXPECT_LE(partial.size(), 2000);
+    EXPECT_TRUE(failures.isEmpty());
+}
+
 TEST_F(WebFixture, RedirectLoopIsAFailure) {
     LocalHttpServer::Response loop;
     loop.status = 302;

@@ -395,6 +395,18 @@ void frmZKR_MUF_Setup::centreOver(const QRect &mainFrame) {
     const QSize own = frameGeometry().size();
     move(mainFrame.left() + mainFrame.width() / 2 - own.width() / 2,
          mainFrame.top() + mainFrame.height() / 2 - own.height() / 2);
+    if (!isVisible()) {
+        centreTarget_ = mainFrame;
+    }
+}
+
+void frmZKR_MUF_Setup::showEvent(QShowEvent *event) {
+    QDialog::showEvent(event);
+    if (centreTarget_) {
+        const QRect target = *centreTarget_;
+        centreTarget_.reset();
+        centreOver(target);
+    }
 }
 
 void frmZKR_MUF_Setup::unload() {

@@ -6,6 +6,7 @@
 #include <QDialog>
 
 #include <functional>
+#include <optional>
 
 class QCheckBox;
 class QGroupBox;
@@ -66,6 +67,8 @@ public:
 protected:
     // Escape and the window's close box leave without saving.
     void reject() override;
+    // Centres once more when the frame's size is known.
+    void showEvent(QShowEvent *event) override;
 
 private:
     void buildControls();
@@ -85,6 +88,7 @@ private:
     UpdateCheck updateCheck_;
     ModalSession modalSession_;
     bool inSession_ = false;
+    std::optional<QRect> centreTarget_;
 
     QLabel *Label12_ = nullptr;
     QLineEdit *text_Call_ = nullptr;

@@ -210,6 +210,16 @@ void frmZKR_MUF_Setup::markClusterRow(bool marked) {
     }
 }
 
+void frmZKR_MUF_Setup::loadClusterList() {
+    if (state_.RunMode != TelnetMode) {
+        return;
+    }
+    // A missing list is not reported: the list stays as it was.
+    QString errorText;
+    Load_ClusterList(*ListView1_, clusterListPath(), '|', errorText, state_);
+    markClusterRow(true);
+}
+
 void frmZKR_MUF_Setup::Setup_Click() {
     if (inSession_) {
         showInFront();
@@ -219,12 +229,7 @@ void frmZKR_MUF_Setup::Setup_Click() {
     host_.setRefreshTimer(false);
     readSettings();
     centreOver(host_.mainFrame());
-    if (state_.RunMode == TelnetMode) {
-        // A missing list is not reported: the list stays as it was.
-        QString errorText;
-        Load_ClusterList(*ListView1_, clusterListPath(), '|', errorText, state_);
-        markClusterRow(true);
-    }
+    loadClusterList();
     resetButtons();
     inSession_ = true;
     modalSession_(*this);
@@ -382,6 +387,12 @@ void frmZKR_MUF_Setup::setAutoUpdateChecked(bool checked) {
 }
 
 void frmZKR_MUF_Setup::showInFront() {
+    // As fresh as from the Setup button: a first run may have saved in it
+    // already.
+    if (!isVisible()) {
+        loadClusterList();
+        resetButtons();
+    }
     show();
     raise();
     activateWindow();

@@ -77,6 +77,8 @@ private:
     void markEdited();
     void resetButtons();
     void readSettings();
+    // In telnet mode: the list file, with the cluster in use marked.
+    void loadClusterList();
     void markClusterRow(bool marked);
     // Runs a handler started by the user; a run-time error ends it and is
     // reported, the program goes on.

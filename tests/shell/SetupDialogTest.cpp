@@ -283,6 +283,49 @@ TEST(SetupDialog, ClusterListMarksTheClusterInUseAndAClickedOneIsSavedAndConnect
     EXPECT_TRUE(rig.platform.messages().isEmpty());
 }
 
+// A first start: call and locator are asked for, the dialog opens for a
+// cluster, and after the start-up it is shown once more, fresh.
+TEST(SetupDialog, FirstRunPicksAClusterAndShowsTheDialogAgain) {
+    QTemporaryDir folder;
+    LocalClusterServer node;
+    LocalHttpServer web; // a download page without news
+    ProgramState state;
+    ScriptedPlatform platform;
+    platform.setApplicationFolder(folder.path());
+    platform.setEnvironmentValue(site::DownloadPageUrlVariable, web.url("/download.html"));
+    platform.answerInputBox(QString("dl1abc"));
+    platform.answerInputBox(QString("JO62QM"));
+    test::writeBytes(QDir(folder.path()).filePath("TelnetDXCluster.txt"),
+                     QString("DX-Cluster|Host|Port\r\nGB7DJK|gb7djk.dxcluster.net|7300\r\n"
+                             "GB7TST|127.0.0.1|%1\r\n")
+                         .arg(node.port())
+                         .toLatin1());
+    frmZKR_MUF window(state, platform);
+    frmZKR_MUF_Setup &setup = window.setupWindow();
+    auto *list = setup.findChild<QTreeWidget *>("ListView1");
+    int sessions = 0;
+    setup.setModalSession([&](frmZKR_MUF_Setup &dialog) {
+        ++sessions;
+        ASSERT_EQ(list->topLevelItemCount(), 2);
+        EXPECT_TRUE(list->topLevelItem(0)->font(0).bold()); // the built-in cluster
+        dialog.ListView1_ItemClick(list->topLevelItem(1));
+        dialog.Command_SaveConfig_Click();
+    });
+    window.Form_Load();
+
+    EXPECT_EQ(sessions, 1);
+    EXPECT_EQ(web.requestCount("/download.html"), 1);
+    EXPECT_TRUE(setup.isVisible());
+    EXPECT_EQ(setup.findChild<QPushButton *>("Command_ExitwWthoutSave")->text(), "&E X I T");
+    EXPECT_TRUE(list->topLevelItem(1)->font(0).bold()); // now the one in use
+    EXPECT_FALSE(list->topLevelItem(0)->font(0).bold());
+    const QString ini = QString::fromLatin1(test::readBytes(state.IniFilePath));
+    EXPECT_TRUE(ini.contains("Telnet_Call=GB7TST\r\n")) << ini.toStdString();
+    EXPECT_TRUE(ini.contains("[AutoUpdateCheck]\r\nUpdateCheck=on\r\n"));
+    EXPECT_TRUE(waitFor([&] { return node.logins().contains("DL1ABC"); }));
+    setup.hide();
+}
+
 TEST(SetupDialog, UpdateCheckAtStartUpOnTheBoxAndOnTheButton) {
     LocalHttpServer::Response page;
     page.body = "<html><h2>ZKR_MUF V1.31</h2></html>";

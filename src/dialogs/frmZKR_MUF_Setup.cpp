@@ -254,6 +254,7 @@ void frmZKR_MUF_Setup::ListView1_ItemClick(QTreeWidgetItem *item) {
 
 void frmZKR_MUF_Setup::CheckBox_AutoUpdate_Click() {
     const bool on = CheckBox_AutoUpdate_->isChecked();
+    // The section and key the settings are read from.
     Ini_Write(QStringLiteral("AutoUpdateCheck"), QStringLiteral("UpdateCheck"),
               on ? QStringLiteral("on") : QStringLiteral("off"), state_.IniFilePath);
     if (on) {

@@ -56,6 +56,12 @@ void SpotSources::showConsole() {
     window.activateWindow();
 }
 
+void SpotSources::hideConsole() {
+    if (console_ != nullptr) {
+        console_->hide();
+    }
+}
+
 void SpotSources::unloadConsole() {
     if (console_ != nullptr) {
         console_->close();

@@ -37,6 +37,8 @@ public:
     FrmTelnet &console();
     // Brings the console up in front, as the user asks for it.
     void showConsole();
+    // Hides the console, if it was ever loaded.
+    void hideConsole();
     // Closes the console, if it was ever loaded, on the way out.
     void unloadConsole();
 

@@ -7,11 +7,11 @@
 #include "Platform.h"
 #include "ProgramState.h"
 #include "RunTimeError.h"
-#include "SetupDialogStandIn.h"
 #include "SiteDefaults.h"
 #include "SpotSources.h"
 #include "Startup.h"
 #include "frmInfo.h"
+#include "frmZKR_MUF_Setup.h"
 
 #include <QAction>
 #include <QCheckBox>
@@ -24,6 +24,7 @@
 #include <QMouseEvent>
 #include <QPushButton>
 #include <QTabWidget>
+#include <QTcpSocket>
 #include <QTimer>
 #include <QVBoxLayout>
 
@@ -64,7 +65,7 @@ QPoint centredOver(const QRect &main, QSize own) {
 
 frmZKR_MUF::frmZKR_MUF(ProgramState &state, Platform &platform, QWidget *parent)
     : QMainWindow(parent), state_(state), platform_(platform),
-      setupStandIn_(std::make_unique<SetupDialogStandIn>(state)), setupDialog_(setupStandIn_.get()),
+      setup_(new frmZKR_MUF_Setup(state, platform, *this, this)), setupDialog_(setup_),
       settings_(state, platform, *this, *setupDialog_) {
     setObjectName(QStringLiteral("frmZKR_MUF"));
     buildControls();
@@ -337,10 +338,9 @@ void frmZKR_MUF::applyModeSettings(bool secondPass) {
     const QFont font = paneFont(web ? 8 : 10);
     for (int i = 0; i < PaneCount; ++i) {
         displayPane(i)->setFont(font);
-        if (web) {
-            workingPane(i).clear();
-            displayPane(i)->refresh();
-        }
+    }
+    if (web) {
+        clearPanes();
     }
     for (int i = PaneCount - 1; i >= 0; --i) {
         SSTab1_->setTabEnabled(i, true);
@@ -368,6 +368,13 @@ void frmZKR_MUF::applyModeSettings(bool secondPass) {
         if (evaluateSpotPage_) {
             evaluateSpotPage_();
         }
+    }
+}
+
+void frmZKR_MUF::clearPanes() {
+    for (int i = 0; i < PaneCount; ++i) {
+        workingPane(i).clear();
+        displayPane(i)->refresh();
     }
 }
 
@@ -475,6 +482,51 @@ void frmZKR_MUF::unloadAllWindows() {
 void frmZKR_MUF::showStatusCaption(const QString &caption) {
     Label_Telnet_Status_->setText(caption);
     Label_Telnet_Status_->setVisible(true);
+}
+
+// --- SetupDialogHost ---
+
+void frmZKR_MUF::setRefreshTimer(bool enabled) {
+    if (enabled) {
+        Timer1_->start(1000);
+    } else {
+        Timer1_->stop();
+    }
+}
+
+void frmZKR_MUF::layoutForRunMode(bool emptyPanes) {
+    applyColours();
+    applyModeSettings(false);
+    if (emptyPanes) {
+        clearPanes();
+    }
+}
+
+void frmZKR_MUF::hideConsole() {
+    sources_->hideConsole();
+}
+
+void frmZKR_MUF::closeTelnetSession() {
+    if (sources_->session().socket().state() != QAbstractSocket::UnconnectedState) {
+        sources_->closeSession();
+    }
+}
+
+void frmZKR_MUF::Telnet_Connect() {
+    sources_->Telnet_Connect();
+}
+
+void frmZKR_MUF::Replay_SpotFile() {
+    sources_->Replay_SpotFile();
+}
+
+QString frmZKR_MUF::Open_Url(const QString &url) {
+    WebClient &web = sources_->web();
+    const QString page = web.Open_Url(url);
+    if (web.lastUrlOpened()) {
+        hideWorkLabel();
+    }
+    return page;
 }
 
 // --- Event handlers ---

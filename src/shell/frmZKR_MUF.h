@@ -4,6 +4,7 @@
 #include "MainWindowLink.h"
 #include "MemoryPane.h"
 #include "SettingsFile.h"
+#include "SetupDialogHost.h"
 #include "StartupWindow.h"
 
 #include <QMainWindow>
@@ -24,7 +25,7 @@ namespace zkr {
 struct ProgramState;
 class Platform;
 class SetupDialogLink;
-class SetupDialogStandIn;
+class frmZKR_MUF_Setup;
 class frmInfo;
 class PaneView;
 class SpotSources;
@@ -38,7 +39,8 @@ class SpotSources;
 class frmZKR_MUF : public QMainWindow,
                    public StartupWindow,
                    public MainWindowLink,
-                   public MainStatusLabel {
+                   public MainStatusLabel,
+                   public SetupDialogHost {
     Q_OBJECT
 public:
     static constexpr int PaneCount = 4;
@@ -70,6 +72,7 @@ public:
     SettingsFile &settings() { return settings_; }
     SpotSources &sources() { return *sources_; }
     SetupDialogLink &setupDialog() { return *setupDialog_; }
+    frmZKR_MUF_Setup &setupWindow() { return *setup_; }
     // The About window, created on first use.
     frmInfo &aboutWindow();
 
@@ -120,6 +123,17 @@ public:
     // MainStatusLabel
     void showStatusCaption(const QString &caption) override;
 
+    // SetupDialogHost (showOwnCallLabels is the StartupWindow one)
+    SettingsFile &settingsFile() override { return settings_; }
+    QRect mainFrame() const override { return frameGeometry(); }
+    void setRefreshTimer(bool enabled) override;
+    void layoutForRunMode(bool emptyPanes) override;
+    void hideConsole() override;
+    void closeTelnetSession() override;
+    void Telnet_Connect() override;
+    void Replay_SpotFile() override;
+    QString Open_Url(const QString &url) override;
+
 protected:
     void closeEvent(QCloseEvent *event) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
@@ -132,6 +146,7 @@ private:
     void buildControls();
     void applyColours();
     void applyModeSettings(bool secondPass);
+    void clearPanes();
     void filterClicked(bool &changedFlag);
     // Runs a handler started by the user or a timer; a run-time error ends
     // the handler and is reported, the program goes on.
@@ -139,7 +154,8 @@ private:
 
     ProgramState &state_;
     Platform &platform_;
-    std::unique_ptr<SetupDialogStandIn> setupStandIn_;
+    // A window of its own, owned by this one.
+    frmZKR_MUF_Setup *setup_ = nullptr;
     SetupDialogLink *setupDialog_ = nullptr;
     SettingsFile settings_;
     frmInfo *info_ = nullptr;

@@ -239,7 +239,7 @@ TEST_F(ConsoleInProgramTest, LoadingADebugFileSwitchesToFileModeAndConnectGoesBa
                    "1712Z\r\n\r\n");
     recorded.close();
     window_.Timer1()->start(); // what the replay must switch off
-    for (QCheckBox *filter : window_.findChildren<QCheckBox *>()) {
+    for (QCheckBox *filter : window_.centralWidget()->findChildren<QCheckBox *>()) {
         filter->setEnabled(true);
         filter->setVisible(true);
         filter->setChecked(true);
@@ -249,7 +249,7 @@ TEST_F(ConsoleInProgramTest, LoadingADebugFileSwitchesToFileModeAndConnectGoesBa
     click("CMD_Debug_Datei_laden");
     EXPECT_EQ(state_.RunMode, "FILE");
     EXPECT_FALSE(window_.Timer1()->isActive());
-    for (QCheckBox *filter : window_.findChildren<QCheckBox *>()) {
+    for (QCheckBox *filter : window_.centralWidget()->findChildren<QCheckBox *>()) {
         EXPECT_FALSE(filter->isEnabled() || filter->isVisibleTo(&window_) || filter->isChecked());
     }
     EXPECT_TRUE(window_.displayPane(0)->text().contains("OH1XYZ"));

@@ -120,7 +120,7 @@ TEST_F(MainWindowTest, LayoutPassesFollowTheRunMode) {
         window_.SSTab1()->setCurrentIndex(2);
         label2->setVisible(true);
         window_.Timer1()->start();
-        for (QCheckBox *filter : window_.findChildren<QCheckBox *>()) {
+        for (QCheckBox *filter : window_.centralWidget()->findChildren<QCheckBox *>()) {
             filter->setVisible(true);
             filter->setEnabled(true);
             filter->setChecked(true);
@@ -139,7 +139,7 @@ TEST_F(MainWindowTest, LayoutPassesFollowTheRunMode) {
             EXPECT_EQ(metrics.horizontalAdvance(QLatin1Char('i')),
                       metrics.horizontalAdvance(QLatin1Char('W')));
         }
-        for (QCheckBox *filter : window_.findChildren<QCheckBox *>()) {
+        for (QCheckBox *filter : window_.centralWidget()->findChildren<QCheckBox *>()) {
             EXPECT_TRUE(filter->isHidden() && !filter->isEnabled() && !filter->isChecked());
         }
         EXPECT_EQ(!status->isHidden(), c.statusShown);

@@ -1,0 +1,428 @@
+#include "frmZKR_MUF_Setup.h"
+
+#include "BgrColour.h"
+#include "ClusterList.h"
+#include "ClusterListView.h"
+#include "IniFile.h"
+#include "Locators.h"
+#include "MsgBox_Pos.h"
+#include "OwnCall.h"
+#include "Platform.h"
+#include "ProgramState.h"
+#include "RunTimeError.h"
+#include "SettingsFile.h"
+#include "SetupDialogHost.h"
+#include "SpotLineParsing.h"
+
+#include <QCheckBox>
+#include <QDir>
+#include <QGridLayout>
+#include <QGroupBox>
+#include <QHBoxLayout>
+#include <QLabel>
+#include <QLineEdit>
+#include <QPushButton>
+#include <QTreeWidget>
+#include <QVBoxLayout>
+
+namespace zkr {
+
+namespace {
+
+const QString WebMode = QStringLiteral("WEBCLUSTER");
+const QString TelnetMode = QStringLiteral("TELNETCLUSTER");
+const QString FileMode = QStringLiteral("FILE");
+const QString NoCallMarker = QStringLiteral("!NOCALL!");
+const QString FileMarker = QStringLiteral("!FILE!");
+
+constexpr std::uint32_t White = 0xFFFFFF;
+constexpr std::uint32_t Green = 0x00FF00;
+constexpr std::uint32_t Blue = 0xFF0000;
+constexpr std::uint32_t Black = 0x000000;
+
+const QString ExitCaption = QStringLiteral("&E X I T");
+
+void setBackground(QWidget *widget, std::uint32_t bgr) {
+    widget->setAutoFillBackground(true);
+    QPalette palette = widget->palette();
+    palette.setColor(widget->backgroundRole(), fromBgr(bgr));
+    widget->setPalette(palette);
+}
+
+} // namespace
+
+frmZKR_MUF_Setup::frmZKR_MUF_Setup(ProgramState &state, Platform &platform, SetupDialogHost &host,
+                                   QWidget *parent)
+    : QDialog(parent), state_(state), platform_(platform), host_(host),
+      updateCheck_(state, platform, [&host](const QString &url) { return host.Open_Url(url); }),
+      modalSession_([](frmZKR_MUF_Setup &dialog) { dialog.exec(); }) {
+    setObjectName(QStringLiteral("frmZKR_MUF_Setup"));
+    setWindowTitle(QStringLiteral("ZKR_MUF Setup"));
+    buildControls();
+    applyColours();
+    resetButtons();
+}
+
+void frmZKR_MUF_Setup::buildControls() {
+    auto *column = new QVBoxLayout(this);
+
+    auto *fields = new QGridLayout;
+    auto makeField = [this, fields](const QString &caption, const char *labelName,
+                                    const char *fieldName, int row, QLabel *&label) {
+        label = new QLabel(caption, this);
+        label->setObjectName(QLatin1String(labelName));
+        label->setMargin(2);
+        auto *field = new QLineEdit(this);
+        field->setObjectName(QLatin1String(fieldName));
+        label->setBuddy(field);
+        fields->addWidget(label, row, 0);
+        fields->addWidget(field, row, 1);
+        return field;
+    };
+    text_Call_ = makeField(QStringLiteral("&Call"), "Label12", "text_Call", 0, Label12_);
+    text_Locator_ = makeField(QStringLiteral("&Locator"), "Label13", "text_Locator", 1, Label13_);
+    column->addLayout(fields);
+
+    Frame2_ = new QGroupBox(QStringLiteral("Telnet DX cluster (click one to use it)"), this);
+    Frame2_->setObjectName(QStringLiteral("Frame2"));
+    auto *frameColumn = new QVBoxLayout(Frame2_);
+    ListView1_ = new QTreeWidget(Frame2_);
+    ListView1_->setObjectName(QStringLiteral("ListView1"));
+    ListView1_->setRootIsDecorated(false);
+    ListView1_->setUniformRowHeights(true);
+    ListView1_->setAllColumnsShowFocus(true);
+    ListView1_->setEditTriggers(QAbstractItemView::NoEditTriggers);
+    ListView1_->setSelectionMode(QAbstractItemView::SingleSelection);
+    ListView1_->setHeaderLabels(
+        {QStringLiteral("DX-Cluster"), QStringLiteral("Host"), QStringLiteral("Port")});
+    // The list's width (7000 twips) until the list file sets it.
+    ListView1_->setFixedWidth(467);
+    ListView1_->setMinimumHeight(ListView1_->fontMetrics().lineSpacing() * 10);
+    frameColumn->addWidget(ListView1_);
+    column->addWidget(Frame2_, 1);
+
+    auto *updates = new QHBoxLayout;
+    CheckBox_AutoUpdate_ = new QCheckBox(QStringLiteral("Check for &updates at start"), this);
+    CheckBox_AutoUpdate_->setObjectName(QStringLiteral("CheckBox_AutoUpdate"));
+    CommandButton_Check_for_Updates_ = new QPushButton(QStringLiteral("Check &now"), this);
+    CommandButton_Check_for_Updates_->setObjectName(
+        QStringLiteral("CommandButton_Check_for_Updates"));
+    CommandButton_Check_for_Updates_->setAutoDefault(false);
+    updates->addWidget(CheckBox_AutoUpdate_);
+    updates->addStretch();
+    updates->addWidget(CommandButton_Check_for_Updates_);
+    column->addLayout(updates);
+
+    auto *buttons = new QHBoxLayout;
+    auto makeButton = [this, buttons](const QString &caption, const char *name) {
+        auto *button = new QPushButton(caption, this);
+        button->setObjectName(QLatin1String(name));
+        // Enter in a field saves nothing by surprise.
+        button->setAutoDefault(false);
+        // Room for the two-line caption, so that an edit does not move them.
+        button->setMinimumSize(150, button->fontMetrics().lineSpacing() * 2 + 14);
+        buttons->addWidget(button);
+        return button;
+    };
+    buttons->addStretch();
+    Command_SaveConfig_ = makeButton(QStringLiteral("&S a v e"), "Command_SaveConfig");
+    Command_ExitwWthoutSave_ = makeButton(ExitCaption, "Command_ExitwWthoutSave");
+    column->addLayout(buttons);
+
+    connect(text_Call_, &QLineEdit::textEdited, this, [this] { text_Call_Change(); });
+    connect(text_Locator_, &QLineEdit::textEdited, this, [this] { text_Locator_Change(); });
+    connect(ListView1_, &QTreeWidget::itemClicked, this, [this](QTreeWidgetItem *item) {
+        runHandler([this, item] { ListView1_ItemClick(item); });
+    });
+    connect(CheckBox_AutoUpdate_, &QCheckBox::clicked, this,
+            [this] { runHandler([this] { CheckBox_AutoUpdate_Click(); }); });
+    connect(CommandButton_Check_for_Updates_, &QPushButton::clicked, this,
+            [this] { runHandler([this] { CommandButton_Check_for_Updates_Click(); }); });
+    connect(Command_ExitwWthoutSave_, &QPushButton::clicked, this,
+            [this] { Command_ExitwWthoutSave_Click(); });
+    connect(Command_SaveConfig_, &QPushButton::clicked, this,
+            [this] { runHandler([this] { Command_SaveConfig_Click(); }); });
+
+    adjustSize();
+}
+
+void frmZKR_MUF_Setup::applyColours() {
+    for (QWidget *widget : std::initializer_list<QWidget *>{this, Frame2_, Label12_, Label13_,
+                                                            CheckBox_AutoUpdate_}) {
+        setBackground(widget, White);
+    }
+}
+
+void frmZKR_MUF_Setup::runHandler(const std::function<void()> &handler) {
+    try {
+        handler();
+    } catch (const RunTimeError &error) {
+        reportRunTimeError(platform_, error);
+    }
+}
+
+QString frmZKR_MUF_Setup::clusterListPath() const {
+    return QDir(platform_.applicationFolder()).filePath(QLatin1String(ClusterList::FileName));
+}
+
+// --- Buttons ---
+
+void frmZKR_MUF_Setup::markEdited() {
+    Command_ExitwWthoutSave_->setText(ExitCaption + QStringLiteral("\r\n(disregard changes)"));
+    Command_SaveConfig_->setEnabled(true);
+    for (QPushButton *button : {Command_SaveConfig_, Command_ExitwWthoutSave_}) {
+        QPalette palette = button->palette();
+        palette.setColor(QPalette::Button, fromBgr(Green));
+        button->setPalette(palette);
+    }
+}
+
+void frmZKR_MUF_Setup::resetButtons() {
+    Command_ExitwWthoutSave_->setText(ExitCaption);
+    Command_SaveConfig_->setEnabled(false);
+    for (QPushButton *button : {Command_SaveConfig_, Command_ExitwWthoutSave_}) {
+        QPalette palette = button->palette();
+        palette.setColor(QPalette::Button, fromBgr(White));
+        button->setPalette(palette);
+    }
+}
+
+void frmZKR_MUF_Setup::text_Call_Change() {
+    markEdited();
+}
+
+void frmZKR_MUF_Setup::text_Locator_Change() {
+    markEdited();
+}
+
+// --- Opening and leaving ---
+
+void frmZKR_MUF_Setup::readSettings() {
+    state_.Loading_Settings = true;
+    host_.settingsFile().Read_Settings();
+    state_.Loading_Settings = false;
+}
+
+void frmZKR_MUF_Setup::markClusterRow(bool marked) {
+    for (int column = 1; column <= 3; ++column) {
+        Format_ListCell(*ListView1_, marked ? Blue : Black, column, state_.Cluster_SelectedRow,
+                        marked);
+    }
+}
+
+void frmZKR_MUF_Setup::loadClusterList() {
+    if (state_.RunMode != TelnetMode) {
+        return;
+    }
+    // A missing list is not reported: the list stays as it was.
+    QString errorText;
+    Load_ClusterList(*ListView1_, clusterListPath(), '|', errorText, state_);
+    markClusterRow(true);
+}
+
+void frmZKR_MUF_Setup::Setup_Click() {
+    if (inSession_) {
+        showInFront();
+        return;
+    }
+    state_.Call_BeforeSetup = state_.OwnCall;
+    host_.setRefreshTimer(false);
+    readSettings();
+    centreOver(host_.mainFrame());
+    loadClusterList();
+    resetButtons();
+    inSession_ = true;
+    modalSession_(*this);
+    inSession_ = false;
+    if (state_.RunMode == WebMode) {
+        host_.setRefreshTimer(true);
+    }
+}
+
+void frmZKR_MUF_Setup::ListView1_ItemClick(QTreeWidgetItem *item) {
+    // Joined and cut again at commas: a comma inside a cell shifts the
+    // fields, as it always did.
+    const QStringList cells = QStringList{item->text(0), item->text(1), item->text(2)}
+                                  .join(QLatin1Char(','))
+                                  .split(QLatin1Char(','));
+    state_.Telnet_Call = cells.value(0);
+    state_.Telnet_Host = cells.value(1);
+    state_.Telnet_Port = cells.value(2);
+    markClusterRow(false);
+    markEdited();
+}
+
+void frmZKR_MUF_Setup::CheckBox_AutoUpdate_Click() {
+    const bool on = CheckBox_AutoUpdate_->isChecked();
+    // The section and key the settings are read from.
+    Ini_Write(QStringLiteral("AutoUpdateCheck"), QStringLiteral("UpdateCheck"),
+              on ? QStringLiteral("on") : QStringLiteral("off"), state_.IniFilePath);
+    if (on) {
+        updateCheck_.Check_Update();
+    }
+}
+
+void frmZKR_MUF_Setup::CommandButton_Check_for_Updates_Click() {
+    updateCheck_.Check_Update_Interactive();
+}
+
+void frmZKR_MUF_Setup::Command_ExitwWthoutSave_Click() {
+    Command_SaveConfig_->setEnabled(false);
+    hide();
+}
+
+void frmZKR_MUF_Setup::reject() {
+    Command_ExitwWthoutSave_Click();
+}
+
+// --- Saving ---
+
+void frmZKR_MUF_Setup::Command_SaveConfig_Click() {
+    host_.setRefreshTimer(false);
+    state_.Busy = true;
+
+    // A wrong locator stops the save; the timer stays off and Busy set
+    // until a save succeeds, so nothing runs on the wrong position.
+    state_.OwnLocator = text_Locator_->text().toUpper();
+    state_.Locator_Invalid = Check_Locator(state_, state_.OwnLocator);
+    if (state_.Locator_Invalid) {
+        platform_.beep(800, 200);
+        MsgBox_Pos(platform_);
+        platform_.messageBox(QStringLiteral("Locator is not correct !"),
+                             MsgButtons::OkCancel + MsgButtons::Exclamation, QString());
+        text_Locator_->clear();
+        return;
+    }
+
+    // Only a new call sign is asked for again; the file marker never is.
+    state_.OwnCall = text_Call_->text();
+    const QString typed = state_.OwnCall.toUpper();
+    if (typed != state_.Call_BeforeSetup && typed != FileMarker) {
+        text_Call_->setText(Check_OwnCall(state_, platform_, host_.settingsFile(), state_.OwnCall,
+                                          state_.Check_OwnCall_Arg));
+    }
+
+    state_.RunMode_BeforeSetup = state_.RunMode;
+    const QString call = text_Call_->text().toUpper();
+    state_.RunMode = call == NoCallMarker ? WebMode : call == FileMarker ? FileMode : TelnetMode;
+    if (state_.RunMode != TelnetMode) {
+        // A cluster left connected would go on printing into the panes.
+        host_.closeTelnetSession();
+    }
+
+    if (state_.RunMode == FileMode) {
+        state_.OwnCall = QStringLiteral("QQ7ZKR");
+        host_.showOwnCallLabels(QStringLiteral("CALL ") + state_.OwnCall,
+                                QStringLiteral("LOC ") + state_.OwnLocator);
+        Ini_Write(QStringLiteral("Call"), QStringLiteral("OwnCall"), state_.OwnCall,
+                  state_.IniFilePath);
+        hide();
+        Load_ColumnTable(state_);
+        host_.layoutForRunMode(true);
+        host_.Replay_SpotFile();
+        // The replay is over when it returns.
+        state_.Busy = false;
+        return;
+    }
+
+    SettingsFile &settings = host_.settingsFile();
+    settings.Save_Settings();
+    readSettings();
+    Command_SaveConfig_->setEnabled(true);
+    Command_ExitwWthoutSave_->setEnabled(true);
+    host_.showOwnCallLabels(QStringLiteral("CALL ") + state_.OwnCall,
+                            QStringLiteral("LOC ") + state_.OwnLocator);
+
+    platform_.processEvents();
+    state_.Web_Offline = false;
+    state_.SpotPage_Previous.clear();
+    Load_ColumnTable(state_);
+    if (state_.RunMode == WebMode) {
+        host_.hideConsole();
+        host_.layoutForRunMode(true);
+        // The next tick fetches the page.
+        state_.Refresh_Seconds = 60;
+        host_.setRefreshTimer(true);
+    } else {
+        // Spots of another source go; a new cluster's spots join those of
+        // the last one, which are just as current.
+        host_.layoutForRunMode(state_.RunMode_BeforeSetup.toUpper() != TelnetMode);
+        host_.setRefreshTimer(false);
+    }
+
+    state_.Busy = false;
+    hide();
+    if (state_.RunMode == TelnetMode) {
+        host_.Telnet_Connect();
+    }
+}
+
+// --- SetupDialogLink ---
+
+QString frmZKR_MUF_Setup::callText() const {
+    return text_Call_->text();
+}
+
+void frmZKR_MUF_Setup::setCallText(const QString &text) {
+    text_Call_->setText(text);
+}
+
+QString frmZKR_MUF_Setup::locatorText() const {
+    return text_Locator_->text();
+}
+
+void frmZKR_MUF_Setup::setLocatorText(const QString &text) {
+    text_Locator_->setText(text);
+}
+
+bool frmZKR_MUF_Setup::isAutoUpdateChecked() const {
+    return CheckBox_AutoUpdate_->isChecked();
+}
+
+void frmZKR_MUF_Setup::setAutoUpdateChecked(bool checked) {
+    if (checked == CheckBox_AutoUpdate_->isChecked()) {
+        return;
+    }
+    CheckBox_AutoUpdate_->setChecked(checked);
+    CheckBox_AutoUpdate_Click();
+}
+
+void frmZKR_MUF_Setup::showInFront() {
+    // As fresh as from the Setup button: a first run may have saved in it
+    // already.
+    if (!isVisible()) {
+        loadClusterList();
+        resetButtons();
+    }
+    show();
+    raise();
+    activateWindow();
+}
+
+void frmZKR_MUF_Setup::setSaveEnabled(bool enabled) {
+    Command_SaveConfig_->setEnabled(enabled);
+}
+
+void frmZKR_MUF_Setup::centreOver(const QRect &mainFrame) {
+    const QSize own = frameGeometry().size();
+    move(mainFrame.left() + mainFrame.width() / 2 - own.width() / 2,
+         mainFrame.top() + mainFrame.height() / 2 - own.height() / 2);
+    if (!isVisible()) {
+        centreTarget_ = mainFrame;
+    }
+}
+
+void frmZKR_MUF_Setup::showEvent(QShowEvent *event) {
+    QDialog::showEvent(event);
+    if (centreTarget_) {
+        const QRect target = *centreTarget_;
+        centreTarget_.reset();
+        centreOver(target);
+    }
+}
+
+void frmZKR_MUF_Setup::unload() {
+    hide();
+}
+
+} // namespace zkr

@@ -1,0 +1,107 @@
+#pragma once
+
+#include "SetupDialogLink.h"
+#include "UpdateCheck.h"
+
+#include <QDialog>
+
+#include <functional>
+#include <optional>
+
+class QCheckBox;
+class QGroupBox;
+class QLabel;
+class QLineEdit;
+class QPushButton;
+class QTreeWidget;
+class QTreeWidgetItem;
+
+namespace zkr {
+
+struct ProgramState;
+class Platform;
+class SetupDialogHost;
+
+// The setup dialog: own call sign and locator, the telnet cluster picked
+// from the cluster list, the automatic update check. Saving checks the
+// entries, writes the settings and switches the main window to the source
+// the call sign asks for: "!NOCALL!" the web spot list, "!FILE!" a recorded
+// file, any other call the telnet cluster.
+class frmZKR_MUF_Setup : public QDialog, public SetupDialogLink {
+    Q_OBJECT
+public:
+    // Shows the dialog modally and returns when it is closed. Tests put
+    // their clicks in one instead, so that nothing blocks.
+    using ModalSession = std::function<void(frmZKR_MUF_Setup &)>;
+
+    frmZKR_MUF_Setup(ProgramState &state, Platform &platform, SetupDialogHost &host,
+                     QWidget *parent = nullptr);
+
+    void setModalSession(ModalSession session) { modalSession_ = std::move(session); }
+
+    // Event handlers, public so that the main window and tests can run them.
+    void text_Call_Change();
+    void text_Locator_Change();
+    void ListView1_ItemClick(QTreeWidgetItem *item);
+    void CheckBox_AutoUpdate_Click();
+    void CommandButton_Check_for_Updates_Click();
+    void Command_ExitwWthoutSave_Click();
+    void Command_SaveConfig_Click();
+
+    // The cluster list file in the program's folder.
+    QString clusterListPath() const;
+
+    // SetupDialogLink
+    QString callText() const override;
+    void setCallText(const QString &text) override;
+    QString locatorText() const override;
+    void setLocatorText(const QString &text) override;
+    bool isAutoUpdateChecked() const override;
+    void setAutoUpdateChecked(bool checked) override;
+    void Setup_Click() override;
+    void showInFront() override;
+    void setSaveEnabled(bool enabled) override;
+    void centreOver(const QRect &mainFrame) override;
+    void unload() override;
+
+protected:
+    // Escape and the window's close box leave without saving.
+    void reject() override;
+    // Centres once more when the frame's size is known.
+    void showEvent(QShowEvent *event) override;
+
+private:
+    void buildControls();
+    void applyColours();
+    // The look of unsaved changes, and back.
+    void markEdited();
+    void resetButtons();
+    void readSettings();
+    // In telnet mode: the list file, with the cluster in use marked.
+    void loadClusterList();
+    void markClusterRow(bool marked);
+    // Runs a handler started by the user; a run-time error ends it and is
+    // reported, the program goes on.
+    void runHandler(const std::function<void()> &handler);
+
+    ProgramState &state_;
+    Platform &platform_;
+    SetupDialogHost &host_;
+    UpdateCheck updateCheck_;
+    ModalSession modalSession_;
+    bool inSession_ = false;
+    std::optional<QRect> centreTarget_;
+
+    QLabel *Label12_ = nullptr;
+    QLineEdit *text_Call_ = nullptr;
+    QLabel *Label13_ = nullptr;
+    QLineEdit *text_Locator_ = nullptr;
+    QGroupBox *Frame2_ = nullptr;
+    QTreeWidget *ListView1_ = nullptr;
+    QCheckBox *CheckBox_AutoUpdate_ = nullptr;
+    QPushButton *CommandButton_Check_for_Updates_ = nullptr;
+    QPushButton *Command_SaveConfig_ = nullptr;
+    QPushButton *Command_ExitwWthoutSave_ = nullptr;
+};
+
+} // namespace zkr

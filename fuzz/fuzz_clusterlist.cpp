@@ -1,0 +1,25 @@
+// A cluster list file, anything at all: the rows must account for every
+// line between the header and the text after the last CR LF.
+#include "ClusterList.h"
+#include "FuzzSupport.h"
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
+    ensureApplication();
+    const QByteArray bytes(reinterpret_cast<const char *>(data), static_cast<qsizetype>(size));
+    const QList<zkr::ClusterList::Row> rows = zkr::ClusterList::parse(bytes);
+    const qsizetype lines = bytes.count("\r\n");
+    if (rows.size() != std::max<qsizetype>(lines - 1, 0)) {
+        std::abort();
+    }
+    for (qsizetype i = 0; i < rows.size(); ++i) {
+        if (rows[i].line != i + 1 || rows[i].name.contains(QLatin1Char('|'))) {
+            std::abort();
+        }
+    }
+    const int selected =
+        zkr::ClusterList::selectedRow(rows, rows.isEmpty() ? QString() : rows.last().name);
+    if (selected < 0 || selected > rows.size()) {
+        std::abort();
+    }
+    return 0;
+}

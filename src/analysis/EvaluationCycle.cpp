@@ -9,6 +9,7 @@
 #include "SpotLineParsing.h"
 #include "TextFunctions.h"
 
+#include <algorithm>
 #include <optional>
 
 namespace zkr {
@@ -131,7 +132,8 @@ QString Clean_SpotLine(QString line) {
     if (p > 0) {
         // The six characters before the "<>" and the "<>" itself become
         // blanks, so the time and tail columns stay where they were.
-        line = left(line, p - 7) + QString(8, QLatin1Char(' ')) + mid(line, p + 2);
+        const int kept = std::max(p - 7, 0);
+        line = left(line, kept) + QString(p + 1 - kept, QLatin1Char(' ')) + mid(line, p + 2);
     }
     return line;
 }

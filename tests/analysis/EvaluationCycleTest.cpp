@@ -189,6 +189,10 @@ TEST(CleanSpotLine, UndoesEntitiesInOrderAndDropsTheDegreeSign) {
         {QString("55") + QChar(176) + "N", "55N"},
         // "<>" ends the comment: it and the six characters before it blank out.
         {"DL1ABC  50110.0 OH1XYZ ABCDEFGH<> 1712", "DL1ABC  50110.0 OH1XYZ AB         1712"},
+        // Near the start there are fewer than six characters to blank; the
+        // line keeps its length all the same (found by fuzzing).
+        {"ab<>cd", "    cd"},
+        {"<>", "  "},
     };
     for (const Case &c : cases) {
         EXPECT_EQ(Clean_SpotLine(c.in), c.out) << c.in.toStdString();

@@ -6,7 +6,7 @@ cd "$(dirname "$0")"
 
 packages=(build-essential cmake ninja-build pkg-config qt6-base-dev libgl-dev
           libgtest-dev libgmock-dev libbenchmark-dev libhamlib-dev libgeographiclib-dev
-          fontconfig fonts-dejavu-core xvfb xauth)
+          fontconfig fonts-dejavu-core xvfb xauth clang libclang-rt-14-dev)
 
 missing=()
 for package in "${packages[@]}"; do
@@ -31,8 +31,19 @@ run)
     exec "$build_dir/bin/zkr_muf" "$@"
     ;;
 test)
-    cd "$build_dir"
-    QT_QPA_PLATFORM=offscreen ctest --no-tests=error --output-on-failure -j "$(nproc)" "$@"
+    # The suite as built, then a short fuzz run of every fuzz target, then
+    # the whole suite again with AddressSanitizer and UndefinedBehaviorSanitizer.
+    (cd "$build_dir" && QT_QPA_PLATFORM=offscreen ctest --no-tests=error --output-on-failure -j "$(nproc)" "$@")
+    cmake -S . -B build-fuzz -G Ninja -DCMAKE_CXX_COMPILER=clang++ -DZKR_BUILD_FUZZ=ON \
+        -DZKR_BUILD_TESTS=OFF -DZKR_BUILD_BENCH=OFF
+    cmake --build build-fuzz -j "$(nproc)" --target fuzz_receive fuzz_analysis fuzz_webpage fuzz_ini \
+        fuzz_clusterlist
+    fuzz/run 5 build-fuzz
+    cmake -S . -B build-asan -G Ninja -DZKR_SANITIZE=ON -DZKR_BUILD_BENCH=OFF -DZKR_WARNINGS_AS_ERRORS=ON
+    cmake --build build-asan -j "$(nproc)"
+    cd build-asan
+    LSAN_OPTIONS="suppressions=$PWD/../tests/lsan.supp:print_suppressions=0" QT_QPA_PLATFORM=offscreen \
+        ctest --no-tests=error --output-on-failure -j "$(nproc)" --timeout 300 "$@"
     ;;
 *)
     echo "usage: $0 [run|test] [arguments]" >&2

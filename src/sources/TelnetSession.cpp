@@ -107,16 +107,27 @@ void TelnetSession::record(const QString &chunk) {
     if (state_.Console_Lines.isEmpty()) {
         state_.Console_Lines.append(QString());
     }
-    if (state_.Console_LineCount >= ConsoleRecordLimit) {
-        // Drop the oldest tenth at once, so the record costs the same per
-        // chunk in a run of any length; element 0 stays empty.
-        const int drop = ConsoleRecordLimit / 10;
+    if (state_.Console_LineCount >= ConsoleRecordLimit ||
+        recordChars_ + chunk.size() > ConsoleRecordChars) {
+        // Drop the oldest chunks until a tenth of both limits is free, so the
+        // record costs the same per chunk in a run of any length and stays
+        // small however large the chunks; element 0 stays empty.
+        int drop = 0;
+        qsizetype freed = 0;
+        while (drop < state_.Console_LineCount &&
+               (state_.Console_LineCount - drop > ConsoleRecordLimit * 9 / 10 ||
+                recordChars_ - freed + chunk.size() > ConsoleRecordChars * 9 / 10)) {
+            freed += state_.Console_Lines.at(1 + drop).size();
+            ++drop;
+        }
         state_.Console_Lines.remove(1, drop);
         state_.Console_LineCount = static_cast<std::int16_t>(state_.Console_LineCount - drop);
+        recordChars_ -= freed;
     }
     state_.Console_LineCount = add16(state_.Console_LineCount, 1);
     state_.Console_Lines.resize(state_.Console_LineCount + 1);
     state_.Console_Lines[state_.Console_LineCount] = chunk;
+    recordChars_ += chunk.size();
 }
 
 void TelnetSession::Winsock_dataArrival() {

@@ -19,6 +19,8 @@ class TelnetSession : public QObject {
 public:
     // Most chunks the console record keeps; the oldest go first.
     static constexpr int ConsoleRecordLimit = 20000;
+    // Most characters the console record keeps (chunks can be large).
+    static constexpr qsizetype ConsoleRecordChars = 4 * 1024 * 1024;
 
     TelnetSession(ProgramState &state, Platform &platform, SessionView &view,
                   QObject *parent = nullptr);
@@ -54,6 +56,7 @@ private:
     ReceiveHost *receiveHost_ = nullptr;
     QTcpSocket socket_;
     bool recheckQueued_ = false;
+    qsizetype recordChars_ = 0; // characters in Console_Lines
 };
 
 } // namespace zkr

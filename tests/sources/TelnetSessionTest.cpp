@@ -155,6 +155,29 @@ TEST(TelnetSession, RefusedOrImpossibleConnectionsAreReported) {
     }
 }
 
+TEST(TelnetSession, ConsoleRecordStaysSmallWhateverTheChunks) {
+    LocalClusterServer node;
+    Session s;
+    s.state.Telnet_Port = QString::number(node.port());
+    s.session.Telnet_Connect();
+    ASSERT_TRUE(waitFor([&] { return s.status.startsWith(" Connected to "); }));
+    const QByteArray big(256 * 1024, 'x');
+    for (int i = 0; i < 40; ++i) { // 10 MB of text
+        node.send(big);
+        ASSERT_TRUE(waitFor([&] { return node.socketIdle(); }));
+        QTest::qWait(5);
+    }
+    QTest::qWait(100);
+    qsizetype characters = 0;
+    for (const QString &chunk : s.state.Console_Lines) {
+        characters += chunk.size();
+    }
+    EXPECT_GT(characters, 0);
+    EXPECT_LE(characters, TelnetSession::ConsoleRecordChars);
+    EXPECT_TRUE(s.state.Console_Lines.first().isEmpty());
+    EXPECT_EQ(s.state.Console_Lines.size(), s.state.Console_LineCount + 1);
+}
+
 TEST(TelnetSession, SendingWithoutASessionIsRefused) {
     Session s;
     EXPECT_FALSE(s.session.sendData("SH/DX\r\n"));

@@ -1,5 +1,6 @@
 #include "CliReplay.h"
 
+#include "RunModes.h"
 #include "SpotFileReplay.h"
 #include "TelnetReceive.h"
 
@@ -18,7 +19,7 @@ namespace zkr {
 
 CliReplay::CliReplay(const CliOptions &options)
     : over144Only_(options.over144Only), esSpotsOnly_(options.esSpotsOnly) {
-    const QString mode = options.webPage ? QStringLiteral("WEBCLUSTER") : QStringLiteral("FILE");
+    const QString mode = options.webPage ? WebMode : FileMode;
     state_.RunMode = mode;
     HeadlessStartupWindow window(state_, options.ownCall, options.ownLocator);
     Form_Load(state_, platform_, window);

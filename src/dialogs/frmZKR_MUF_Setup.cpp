@@ -9,6 +9,7 @@
 #include "OwnCall.h"
 #include "Platform.h"
 #include "ProgramState.h"
+#include "RunModes.h"
 #include "RunTimeError.h"
 #include "SettingsFile.h"
 #include "SetupDialogHost.h"
@@ -29,9 +30,6 @@ namespace zkr {
 
 namespace {
 
-const QString WebMode = QStringLiteral("WEBCLUSTER");
-const QString TelnetMode = QStringLiteral("TELNETCLUSTER");
-const QString FileMode = QStringLiteral("FILE");
 const QString NoCallMarker = QStringLiteral("!NOCALL!");
 const QString FileMarker = QStringLiteral("!FILE!");
 

@@ -2,6 +2,7 @@
 
 #include "Platform.h"
 #include "ProgramState.h"
+#include "RunModes.h"
 #include "RunTimeError.h"
 #include "SiteDefaults.h"
 #include "SpotLineParsing.h"
@@ -15,10 +16,6 @@
 namespace zkr {
 
 namespace {
-
-const QString WebMode = QStringLiteral("WEBCLUSTER");
-const QString TelnetMode = QStringLiteral("TELNETCLUSTER");
-const QString FileMode = QStringLiteral("FILE");
 
 // Saved window coordinates are pixels; anything beyond this is a damaged file.
 constexpr double MaxCoordinate = 1.0e6;

@@ -6,6 +6,7 @@
 #include "Int16Arithmetic.h"
 #include "Platform.h"
 #include "ProgramState.h"
+#include "RunModes.h"
 #include "RunTimeError.h"
 #include "SiteDefaults.h"
 #include "SpotSources.h"
@@ -31,10 +32,6 @@
 namespace zkr {
 
 namespace {
-
-const QString WebMode = QStringLiteral("WEBCLUSTER");
-const QString TelnetMode = QStringLiteral("TELNETCLUSTER");
-const QString FileMode = QStringLiteral("FILE");
 
 constexpr std::uint32_t White = 0xFFFFFF;
 constexpr std::uint32_t Black = 0x000000;

@@ -193,7 +193,16 @@ QByteArray IniFile::content() const {
 }
 
 bool IniFile::save(const QString &path) const {
+    // A file marked read-only is left alone, as the profile functions do,
+    // even for a user (root) whom the system would let write it.
+    const QFileInfo existing(path);
+    if (existing.exists() && !existing.permissions().testFlag(QFileDevice::WriteOwner)) {
+        return false;
+    }
     QSaveFile file(path);
+    // In a folder we may not create files in, a writable file is still
+    // rewritten in place, as the profile functions do.
+    file.setDirectWriteFallback(true);
     // Unbuffered, so that a short write (a full disk) shows in write()'s
     // result: with a buffer, an error while flushing at commit can go
     // unnoticed and the cut temporary file would replace the old one.

@@ -16,20 +16,31 @@ QColor fromBgr(std::uint32_t bgr) {
                   static_cast<int>((bgr >> 16) & 0xFF));
 }
 
-// Text from the network is shown as it is, but control characters (a stray
-// CR, bells, NULs) must neither move the text nor reach the painter.
-QString printable(QStringView text) {
-    QString shown = text.toString();
-    for (QChar &c : shown) {
-        if (c.unicode() < 0x20 || c.unicode() == 0x7F ||
-            (c.unicode() >= 0x80 && c.unicode() < 0xA0)) {
+} // namespace
+
+QString PaneView::shownText(QStringView text) {
+    QString shown = text.left(MaxShownColumns).toString();
+    for (qsizetype i = 0; i < shown.size(); ++i) {
+        QChar &c = shown[i];
+        // A surrogate pair is one character and shows as such.
+        if (c.isHighSurrogate() && i + 1 < shown.size() && shown[i + 1].isLowSurrogate()) {
+            ++i;
+            continue;
+        }
+        switch (c.category()) {
+        case QChar::Other_Control:   // CR, LF, tab, bells, NULs, C1 codes
+        case QChar::Other_Format:    // direction overrides, zero-width characters
+        case QChar::Other_Surrogate: // half a pair: no character at all
+        case QChar::Separator_Line:  // would start a new row
+        case QChar::Separator_Paragraph:
             c = QChar(0xB7);
+            break;
+        default:
+            break;
         }
     }
     return shown;
 }
-
-} // namespace
 
 PaneView::PaneView(QWidget *parent) : QAbstractScrollArea(parent), frameTimer_(new QTimer(this)) {
     frameTimer_->setSingleShot(true);
@@ -145,7 +156,7 @@ void PaneView::updateScrollBars() {
         longest = std::max(longest, source_->longestLine());
     }
     const int charWidth = std::max(metrics.horizontalAdvance(QLatin1Char('M')), 1);
-    const qsizetype width = std::min<qsizetype>(longest, 100000) * charWidth + 2 * charWidth;
+    const qsizetype width = std::min(longest, MaxShownColumns) * charWidth + 2 * charWidth;
     QScrollBar *horizontal = horizontalScrollBar();
     horizontal->setRange(0, std::max(0, static_cast<int>(width) - viewport()->width()));
     horizontal->setPageStep(viewport()->width());
@@ -163,7 +174,11 @@ const PaneView::ShapedLine &PaneView::shaped(const PaneLine &line) {
     ShapedLine entry{line.text, line.runs, {}};
     qsizetype at = 0;
     for (const ColourRun &run : line.runs) {
-        QStaticText piece(printable(QStringView(line.text).mid(at, run.length)));
+        if (at >= MaxShownColumns) {
+            break;
+        }
+        QStaticText piece(shownText(
+            QStringView(line.text).mid(at, std::min<qsizetype>(run.length, MaxShownColumns - at))));
         piece.setTextFormat(Qt::PlainText);
         piece.setPerformanceHint(QStaticText::AggressiveCaching);
         piece.prepare(QTransform(), font());

@@ -35,6 +35,14 @@ public:
     // Repaints come at most this often; a burst of spots (a replayed file)
     // is painted frame by frame instead of spot by spot.
     static constexpr int FrameMs = 40;
+    // Columns of a line that can be scrolled to and are laid out; the rest
+    // of an absurdly long line (a megabyte from a broken node) stays unseen.
+    static constexpr qsizetype MaxShownColumns = 100000;
+    // A run of text as painted: one row, read left to right, whatever it
+    // holds. Characters that would move, reorder or hide text (controls,
+    // direction overrides, zero-width and separator characters, half
+    // surrogate pairs) show as a middle dot.
+    static QString shownText(QStringView text);
 
     // Pane: prints straight into the view.
     void insertColored(QStringView text, std::uint32_t colour) override;

@@ -8,8 +8,11 @@
 #include <QElapsedTimer>
 #include <QFile>
 #include <QLabel>
+#include <QTcpServer>
+#include <QTcpSocket>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QTimer>
 
 #include <gtest/gtest.h>
 
@@ -45,6 +48,12 @@ struct Connected {
     QLabel *status = nullptr;
 
     Connected() {
+        start(node.port());
+        EXPECT_TRUE(waitFor([this] { return status->text().startsWith(" Connected to "); }));
+    }
+    // Started against some other server, without waiting for anything.
+    explicit Connected(quint16 port) { start(port); }
+    void start(quint16 port) {
         QFile ini(folder.filePath("zkr_muf.ini"));
         EXPECT_TRUE(ini.open(QIODevice::WriteOnly));
         ini.write(
@@ -52,14 +61,13 @@ struct Connected {
                 "[Version]\r\nVersion=1.30\r\n[Call]\r\nOwnCall=DL1ABC\r\n[Locator]\r\n"
                 "OwnLocator=JO62QM\r\n[Telnet]\r\nTelnet_Call=GB7TST\r\nTelnet_Host=127.0.0.1\r\n"
                 "Telnet_Port=%1\r\n[AutoUpdateCheck]\r\nUpdateCheck=off\r\n")
-                .arg(node.port())
+                .arg(port)
                 .toLatin1());
         ini.close();
         platform.setApplicationFolder(folder.path());
         window = std::make_unique<frmZKR_MUF>(state, platform);
         window->Form_Load();
         status = window->findChild<QLabel *>("Label_Telnet_Status");
-        EXPECT_TRUE(waitFor([this] { return status->text().startsWith(" Connected to "); }));
     }
     QString all() const { return window->displayPane(0)->text(); }
     // Waits until everything sent was taken in: no new chunk for a while.
@@ -86,9 +94,10 @@ TEST(ClusterFaults, GarbageLongLinesAndNulsLeaveTheSessionWorking) {
         b = static_cast<char>(random());
     }
     const QByteArray megabyteLine = "DX de " + QByteArray(1024 * 1024, 'x') + "\r\n";
+    const QByteArray megabyteSpot = spot("OK1LNG", QByteArray(1024 * 1024, 'w').constData());
     const QByteArray markup = spot("<b>HTML</b>", "JO90JR <a href=x>ES</a> \x01\x7f\xff");
     for (const QByteArray &fault :
-         {garbage, megabyteLine, QByteArray("DX de \0\0\0\r\n", 11), markup}) {
+         {garbage, megabyteLine, megabyteSpot, QByteArray("DX de \0\0\0\r\n", 11), markup}) {
         // Each chunk stands for itself: the good spot must come in one of
         // its own, after the fault has been taken in.
         c.node.send(fault);
@@ -115,6 +124,42 @@ TEST(ClusterFaults, ClosedMidLineKeepsTheCutSpotAndTurnsTheStatusRed) {
     EXPECT_TRUE(c.status->text().startsWith(" Not connected !"));
     EXPECT_TRUE(c.shows("OK1AAA"));
     EXPECT_FALSE(c.state.Busy);
+}
+
+// Nothing in telnet mode runs on a clock (the one timer drives the web
+// refresh and stays off), so a cluster silent for minutes is to the program
+// what one silent for a second is. Before the login prompt the status keeps
+// saying the program is still trying; whatever comes late is taken as usual.
+TEST(ClusterFaults, ASilentClusterLeavesTheStatusTellingTheState) {
+    QTcpServer node;
+    ASSERT_TRUE(node.listen(QHostAddress::LocalHost, 0));
+    Connected c(node.serverPort());
+    ASSERT_TRUE(waitFor([&] { return node.hasPendingConnections() && c.state.Telnet_Connected; }));
+    QTcpSocket *socket = node.nextPendingConnection();
+    EXPECT_FALSE(c.window->Timer1()->isActive());
+
+    const QString trying =
+        " trying to connect to GB7TST 127.0.0.1:" + QString::number(node.serverPort());
+    const auto silence = [&](const QString &expectedStatus) {
+        const int chunks = c.state.Console_LineCount;
+        const QStringList before = c.platform.log();
+        QTest::qWait(1000);
+        EXPECT_EQ(c.status->text().left(expectedStatus.size()), expectedStatus);
+        EXPECT_TRUE(c.state.Telnet_Connected);
+        EXPECT_EQ(c.state.Console_LineCount, chunks);
+        EXPECT_EQ(c.platform.log(), before); // no box, no beep
+    };
+    silence(trying);
+
+    socket->write("login: ");
+    ASSERT_TRUE(waitFor([&] { return socket->bytesAvailable() >= 8; }));
+    EXPECT_EQ(socket->readAll(), QByteArray("DL1ABC\r\n"));
+    socket->write(LocalClusterServer::prompt("GB7TST"));
+    ASSERT_TRUE(waitFor([&] { return c.status->text().startsWith(" Connected to GB7TST"); }));
+    silence(" Connected to GB7TST");
+
+    socket->write(spot("OK1AAA"));
+    ASSERT_TRUE(waitFor([&] { return c.shows("OK1AAA"); }));
 }
 
 // A chunk is handled by itself: when a read cuts a line, the chunk that

@@ -4,12 +4,18 @@
 #include "ShellFakes.h"
 
 #include <QDir>
+#include <QFile>
+#include <QFileInfo>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
 
 #include <csignal>
+#include <functional>
 #include <sys/resource.h>
+#include <sys/stat.h>
+#include <sys/wait.h>
+#include <unistd.h>
 
 namespace zkr {
 namespace {
@@ -29,6 +35,30 @@ const QByteArray HandWritten = QByteArrayLiteral("; settings written by hand\r\n
                                                  "[Position]\n"
                                                  "Left=10\n"
                                                  "Top=20");
+
+// Runs a write as a user whom file and folder permissions bind. Root is
+// bound by none of them, so as root the write runs in a child process that
+// has given root up. Returns the write's result, or "no user" when root
+// could not be given up.
+QString asOrdinaryUser(const std::function<QString()> &write) {
+    if (geteuid() != 0) {
+        return write();
+    }
+    const pid_t child = fork();
+    if (child == 0) {
+        const uid_t nobody = 65534;
+        if (setgid(nobody) != 0 || setuid(nobody) != 0) {
+            _exit(2);
+        }
+        _exit(write() == QLatin1String("1") ? 1 : 0);
+    }
+    int status = 0;
+    if (child < 0 || waitpid(child, &status, 0) != child || !WIFEXITED(status) ||
+        WEXITSTATUS(status) > 1) {
+        return QStringLiteral("no user");
+    }
+    return QString::number(WEXITSTATUS(status));
+}
 
 class IniFileTest : public ::testing::Test {
 protected:
@@ -125,6 +155,65 @@ TEST_F(IniFileTest, UnwritablePlacesFailQuietlyAndATruncatedFileStillReads) {
     EXPECT_EQ(read("CALL", "ownCALL"), QStringLiteral("dl1abc"));
     EXPECT_EQ(read("Other Stuff", "Key"), QStringLiteral("Value"));
     EXPECT_EQ(read("Position", "Left", "none"), QStringLiteral("none"));
+}
+
+TEST_F(IniFileTest, ReadOnlyFileOrFolderKeepsTheSettingsFile) {
+    struct Case {
+        const char *name;
+        mode_t file, folder;
+        bool written;
+    };
+    // A writable file in a read-only folder is rewritten in place.
+    const Case cases[] = {{"read-only file", 0444, 0777, false},
+                          {"read-only folder", 0666, 0555, true},
+                          {"both read-only", 0444, 0555, false}};
+    // The other user must be able to reach the folder at all.
+    struct stat temp {};
+    ASSERT_EQ(stat(QFile::encodeName(QDir::tempPath()).constData(), &temp), 0);
+    if (geteuid() == 0 && (temp.st_mode & S_IXOTH) == 0) {
+        GTEST_SKIP() << "the temporary folder is closed to other users";
+    }
+    for (const Case &c : cases) {
+        SCOPED_TRACE(c.name);
+        ASSERT_TRUE(test::writeBytes(path_, HandWritten));
+        ASSERT_EQ(chmod(qPrintable(path_), c.file), 0);
+        ASSERT_EQ(chmod(qPrintable(dir_.path()), c.folder), 0);
+        const QString result = asOrdinaryUser([this] {
+            return Ini_Write(QStringLiteral("Call"), QStringLiteral("OwnCall"),
+                             QStringLiteral("DK5XX"), path_);
+        });
+        const QByteArray afterUser = test::readBytes(path_);
+        // Root itself keeps off a file marked read-only.
+        const QString asRoot = Ini_Write(QStringLiteral("Position"), QStringLiteral("Left"),
+                                         QStringLiteral("7"), path_);
+        const QByteArray afterRoot = test::readBytes(path_);
+        ASSERT_EQ(chmod(qPrintable(dir_.path()), 0700), 0);
+        ASSERT_EQ(chmod(qPrintable(path_), 0644), 0);
+
+        EXPECT_EQ(result, c.written ? QStringLiteral("1") : QStringLiteral("0"));
+        QByteArray expected = HandWritten;
+        if (c.written) {
+            expected.replace("  OwnCall = dl1abc   ", "OwnCall=DK5XX");
+        }
+        EXPECT_EQ(afterUser, expected);
+        if (c.file == 0444) {
+            EXPECT_EQ(asRoot, QStringLiteral("0"));
+            EXPECT_EQ(afterRoot, expected);
+        }
+        EXPECT_EQ(QDir(dir_.path()).entryList(QDir::Files),
+                  QStringList{QStringLiteral("zkr_muf.ini")});
+    }
+
+    // No file yet, in a folder the user may not write: nothing appears.
+    ASSERT_TRUE(QFile::remove(path_));
+    ASSERT_EQ(chmod(qPrintable(dir_.path()), 0555), 0);
+    const QString result = asOrdinaryUser([this] {
+        return Ini_Write(QStringLiteral("Call"), QStringLiteral("OwnCall"), QStringLiteral("DK5XX"),
+                         path_);
+    });
+    ASSERT_EQ(chmod(qPrintable(dir_.path()), 0700), 0);
+    EXPECT_EQ(result, QStringLiteral("0"));
+    EXPECT_FALSE(QFileInfo::exists(path_));
 }
 
 } // namespace

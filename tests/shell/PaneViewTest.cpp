@@ -115,4 +115,86 @@ TEST_F(ViewFixture, PaintsRunsInTheirColours) {
     EXPECT_TRUE(blue);
 }
 
+// Whatever a spot holds, a run shows as one row read left to right: only
+// characters that would move, reorder or hide text are replaced.
+TEST(PaneViewText, ShowsEveryRunAsOneLeftToRightRow) {
+    const QChar dot(0xB7);
+    const QString latin1 = QString::fromLatin1("\x80\x9f\xa0\xe9\xff");
+    const QString brokenUtf8 = QString::fromUtf8("a\xc3(\xff");
+    const struct {
+        QString text, shown;
+    } cases[] = {
+        {"<b>HTML</b> &amp; <a href=x>", "<b>HTML</b> &amp; <a href=x>"},
+        {QString::fromUtf16(u"A\tB\rC\nD\x07\x1b[31mE\x7f", 15),
+         "A\u00b7B\u00b7C\u00b7D\u00b7\u00b7[31mE\u00b7"},
+        {QString(QChar(0)) + "N", QString(dot) + "N"},
+        // Direction overrides and isolates, zero-width characters, separators.
+        {QString::fromUtf16(u"A\u202eBC\u2066D\u200bE\ufeffF\u2028G\u2029H"),
+         QString("A%1BC%1D%1E%1F%1G%1H").arg(dot)},
+        // Half a surrogate pair is replaced, a whole one kept.
+        {QString::fromUtf16(u"\xd800x\U0001F600\xdc00", 5),
+         QString(dot) + "x" + QString::fromUtf16(u"\U0001F600") + dot},
+        // Bytes read as Latin-1: the C1 codes are controls, the rest letters.
+        {latin1, QString(dot) + dot + QString::fromLatin1("\xa0\xe9\xff")},
+        {brokenUtf8, brokenUtf8},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.text.toStdString());
+        EXPECT_EQ(PaneView::shownText(c.text), c.shown);
+    }
+    EXPECT_TRUE(brokenUtf8.contains(QChar::ReplacementCharacter));
+    EXPECT_EQ(PaneView::shownText(QString(300000, 'W')).size(), PaneView::MaxShownColumns);
+}
+
+// On screen: markup stays its own characters, a line with breaks and
+// overrides in it stays in its row, and a megabyte word scrolls only as far
+// as can be laid out.
+TEST_F(ViewFixture, SpotTextIsPaintedAsPlainTextInItsOwnRow) {
+    const QString markup = "<b>WWWW</b>";
+    for (const QString &line : {QString(), markup, QString(),
+                                QString::fromUtf16(u"W\rW\nW\u2028W\u2029W\u202eWW"), QString()}) {
+        working.insertColored(line, 0);
+        working.insertColored(u"\r\n", 0);
+    }
+    working.setCaret(0);
+    working.commit();
+    view.resize(600, 200);
+    view.refresh();
+    settle();
+    const QImage image = view.viewport()->grab().toImage();
+    const QFontMetrics metrics(view.font());
+    const int row = metrics.lineSpacing();
+    const int cell = metrics.horizontalAdvance(QLatin1Char('W'));
+    const QColor background = image.pixelColor(image.width() - 1, image.height() - 1);
+    // Rightmost inked column of each row band, -1 for an empty band.
+    std::vector<int> inkEnd(5, -1);
+    for (int y = 0; y < 5 * row && y < image.height(); ++y) {
+        for (int x = 0; x < image.width(); ++x) {
+            if (image.pixelColor(x, y) != background) {
+                inkEnd[static_cast<std::size_t>(y / row)] =
+                    std::max(inkEnd[static_cast<std::size_t>(y / row)], x);
+            }
+        }
+    }
+    EXPECT_EQ(inkEnd[0], -1);
+    EXPECT_EQ(inkEnd[2], -1);
+    EXPECT_EQ(inkEnd[4], -1);
+    // Eleven characters wide, not the four of a bold "WWWW".
+    EXPECT_GT(inkEnd[1], 10 * cell) << "cell " << cell;
+    EXPECT_GT(inkEnd[3], 11 * cell) << "cell " << cell;
+
+    working.insertColored(QString(1024 * 1024, 'W'), 0);
+    working.insertColored(u"\r\n", 0);
+    working.setCaret(0);
+    working.commit();
+    view.refresh();
+    settle();
+    EXPECT_EQ(view.horizontalScrollBar()->maximum(),
+              (PaneView::MaxShownColumns + 2) * metrics.horizontalAdvance(QLatin1Char('M')) -
+                  view.viewport()->width());
+    view.horizontalScrollBar()->setValue(view.horizontalScrollBar()->maximum());
+    settle();
+    EXPECT_FALSE(view.viewport()->grab().toImage().isNull());
+}
+
 } // namespace

@@ -6,6 +6,7 @@
 #include "SiteDefaults.h"
 #include "Startup.h"
 
+#include <QFileInfo>
 #include <QTemporaryDir>
 
 #include <gtest/gtest.h>
@@ -157,6 +158,25 @@ TEST_F(StartupSettingsTest, UnknownCommandLineArgumentIsReportedAndIgnored) {
             platform_.log(),
             (known ? QStringList() : QStringList{Beep, message.arg(QLatin1String(argument))}));
     }
+}
+
+// Installed where nobody may write (root included: /proc takes no new
+// files), the first run asks once, goes on with what the file gives back and
+// ends without leaving anything behind.
+TEST_F(StartupSettingsTest, FirstRunInAFolderNobodyMayWriteAsksOnceAndGoesOn) {
+    platform_.setApplicationFolder(QStringLiteral("/proc"));
+    platform_.answerInputBox(QStringLiteral("dl1abc"));
+    platform_.answerInputBox(QStringLiteral("jo62qm"));
+    start();
+    EXPECT_EQ(state_.IniFilePath, QStringLiteral("/proc/zkr_muf.ini"));
+    EXPECT_EQ(platform_.log(),
+              (QStringList{Beep, Arm, CallPrompt + QStringLiteral(R"("dl1abc")"), Beep, Arm,
+                           LocatorPrompt + QStringLiteral(R"("jo62qm")")}));
+    EXPECT_FALSE(QFileInfo::exists(state_.IniFilePath));
+    EXPECT_TRUE(state_.Settings_Created);
+
+    EXPECT_THROW(window_.settings.Save_Position_And_End(), ProgramEnded);
+    EXPECT_FALSE(QFileInfo::exists(state_.IniFilePath));
 }
 
 } // namespace

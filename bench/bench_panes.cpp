@@ -2,6 +2,7 @@
 // visible pane repainted), with 1,000 and with 100,000 spots already in the
 // panes, and the memory the panes take for 100,000 spots. Prints its figures.
 #include "PaneView.h"
+#include "ProcessMemory.h"
 #include "ProgramState.h"
 #include "ScriptedPlatform.h"
 #include "SpotSources.h"
@@ -15,32 +16,14 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <malloc.h>
 #include <random>
 #include <vector>
 
 using namespace zkr;
+using zkr::test::heapMiB;
+using zkr::test::residentKiB;
 
 namespace {
-
-// Bytes the heap hands out now.
-double heapMiB() {
-    const struct mallinfo2 info = mallinfo2();
-    return static_cast<double>(info.uordblks + info.hblkhd) / (1024.0 * 1024.0);
-}
-
-long residentKiB() {
-    QFile status(QStringLiteral("/proc/self/status"));
-    if (!status.open(QIODevice::ReadOnly)) {
-        return 0;
-    }
-    for (const QByteArray &line : status.readAll().split('\n')) {
-        if (line.startsWith("VmRSS:")) {
-            return line.mid(6).trimmed().split(' ').value(0).toLong();
-        }
-    }
-    return 0;
-}
 
 std::vector<QString> makeSpots(int count) {
     const char *comments[] = {"JO90JR<ES>KP20", "JO62QM JO65 MS",   "JO62QM IM98 es",

@@ -2,6 +2,7 @@
 // the program's window (offscreen), in batches of 100 spots a write. Prints
 // memory and cost per spot after 100k, 500k and 1M spots.
 #include "LocalClusterServer.h"
+#include "ProcessMemory.h"
 #include "ProgramState.h"
 #include "ScriptedPlatform.h"
 #include "frmZKR_MUF.h"
@@ -12,9 +13,10 @@
 #include <QTemporaryDir>
 
 #include <cstdio>
-#include <malloc.h>
 
 using namespace zkr;
+using zkr::test::heapMiB;
+using zkr::test::residentKiB;
 
 namespace {
 
@@ -22,24 +24,6 @@ class YieldingPlatform : public ScriptedPlatform {
 public:
     void processEvents() override { QCoreApplication::processEvents(); }
 };
-
-double heapMiB() {
-    const struct mallinfo2 info = mallinfo2();
-    return static_cast<double>(info.uordblks + info.hblkhd) / (1024.0 * 1024.0);
-}
-
-long residentKiB() {
-    QFile status(QStringLiteral("/proc/self/status"));
-    if (!status.open(QIODevice::ReadOnly)) {
-        return 0;
-    }
-    for (const QByteArray &line : status.readAll().split('\n')) {
-        if (line.startsWith("VmRSS:")) {
-            return line.mid(6).trimmed().split(' ').value(0).toLong();
-        }
-    }
-    return 0;
-}
 
 QByteArray batch(int first) {
     const char *comments[] = {"JO90JR<ES>KP20", "JO62QM JO65 MS",   "JO62QM IM98 es",

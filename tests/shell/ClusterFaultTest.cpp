@@ -1,5 +1,6 @@
 #include "LocalClusterServer.h"
 #include "PaneView.h"
+#include "ProcessMemory.h"
 #include "ProgramState.h"
 #include "QtPrinters.h"
 #include "ScriptedPlatform.h"
@@ -271,19 +272,6 @@ private:
     std::atomic<double> seconds_{0};
 };
 
-long residentKiB() {
-    QFile status("/proc/self/status");
-    if (!status.open(QIODevice::ReadOnly)) {
-        return 0;
-    }
-    for (const QByteArray &line : status.readAll().split('\n')) {
-        if (line.startsWith("VmRSS:")) {
-            return line.mid(6).trimmed().split(' ').value(0).toLong();
-        }
-    }
-    return 0;
-}
-
 // 10,000 spots a second for 30 seconds. A chunk is handled by itself: when a
 // read cuts a line, the chunk that starts with its tail is not searched for
 // spots, so a flood loses spots by design. It must not stop, hang or grow
@@ -293,7 +281,7 @@ TEST(ClusterFaults, AFloodOfSpotsLeavesTheProgramWorkingAndBounded) {
     Connected c(node.port());
     node.start(10000, 30);
     ASSERT_TRUE(waitFor([&] { return c.status->text().startsWith(" Connected to "); }));
-    const long residentBefore = residentKiB();
+    const long residentBefore = test::residentKiB();
 
     // The longest the window went without handling an event.
     QElapsedTimer sinceTick;
@@ -308,7 +296,7 @@ TEST(ClusterFaults, AFloodOfSpotsLeavesTheProgramWorkingAndBounded) {
     ASSERT_TRUE(c.settle());
     ticks.stop();
 
-    const long residentAfter = residentKiB();
+    const long residentAfter = test::residentKiB();
     // The "All" pane keeps the newest lines; count the flood's spots in it.
     const QString all = c.all();
     QSet<QStringView> shown;

@@ -51,12 +51,7 @@ int main(int argc, char **argv) {
     QTemporaryDir folder;
     QFile ini(folder.filePath(QStringLiteral("zkr_muf.ini")));
     ini.open(QIODevice::WriteOnly);
-    ini.write(QStringLiteral(
-                  "[Version]\r\nVersion=1.30\r\n[Call]\r\nOwnCall=DL1ABC\r\n[Locator]\r\n"
-                  "OwnLocator=JO62QM\r\n[Telnet]\r\nTelnet_Call=GB7TST\r\nTelnet_Host=127.0.0.1\r\n"
-                  "Telnet_Port=%1\r\n[AutoUpdateCheck]\r\nUpdateCheck=off\r\n")
-                  .arg(node.port())
-                  .toLatin1());
+    ini.write(LocalClusterServer::settingsFor(node.port()));
     ini.close();
     ProgramState state;
     YieldingPlatform platform;

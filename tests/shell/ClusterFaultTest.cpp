@@ -5,6 +5,7 @@
 #include "QtPrinters.h"
 #include "ScriptedPlatform.h"
 #include "TelnetSession.h"
+#include "WaitFor.h"
 #include "frmZKR_MUF.h"
 
 #include <QElapsedTimer>
@@ -23,7 +24,6 @@
 #include <atomic>
 #include <chrono>
 #include <cstdio>
-#include <functional>
 #include <netinet/in.h>
 #include <poll.h>
 #include <random>
@@ -35,14 +35,7 @@ using namespace zkr;
 
 namespace {
 
-bool waitFor(const std::function<bool()> &condition, int ms = 10000) {
-    QElapsedTimer clock;
-    clock.start();
-    while (!condition() && clock.elapsed() < ms) {
-        QTest::qWait(10);
-    }
-    return condition();
-}
+using test::waitFor;
 
 QByteArray spot(const char *dxCall, const char *comment = "JO90JR<ES>KP20") {
     return (QString("DX de SP9HWY:     50110.0  ") + QString(dxCall).leftJustified(13, ' ') +
@@ -68,13 +61,7 @@ struct Connected {
     void start(quint16 port) {
         QFile ini(folder.filePath("zkr_muf.ini"));
         EXPECT_TRUE(ini.open(QIODevice::WriteOnly));
-        ini.write(
-            QString(
-                "[Version]\r\nVersion=1.30\r\n[Call]\r\nOwnCall=DL1ABC\r\n[Locator]\r\n"
-                "OwnLocator=JO62QM\r\n[Telnet]\r\nTelnet_Call=GB7TST\r\nTelnet_Host=127.0.0.1\r\n"
-                "Telnet_Port=%1\r\n[AutoUpdateCheck]\r\nUpdateCheck=off\r\n")
-                .arg(port)
-                .toLatin1());
+        ini.write(LocalClusterServer::settingsFor(port));
         ini.close();
         platform.setApplicationFolder(folder.path());
         window = std::make_unique<frmZKR_MUF>(state, platform);

@@ -7,11 +7,11 @@
 #include "ScriptedPlatform.h"
 #include "SiteDefaults.h"
 #include "SpotSources.h"
+#include "WaitFor.h"
 #include "frmZKR_MUF.h"
 
 #include <QCheckBox>
 #include <QDir>
-#include <QElapsedTimer>
 #include <QFile>
 #include <QLabel>
 #include <QPlainTextEdit>
@@ -28,14 +28,7 @@
 namespace zkr {
 namespace {
 
-bool waitFor(const std::function<bool()> &condition) {
-    QElapsedTimer clock;
-    clock.start();
-    while (!condition() && clock.elapsed() < 10000) {
-        QTest::qWait(10);
-    }
-    return condition();
-}
+using test::waitFor;
 
 // The main window as the console sees it: every call is written down.
 struct FakeHost : FrmTelnet::Host {
@@ -182,12 +175,7 @@ protected:
     ConsoleInProgramTest() {
         QFile ini(QDir(folder_.path()).filePath("zkr_muf.ini"));
         EXPECT_TRUE(ini.open(QIODevice::WriteOnly));
-        ini.write(QString("[Version]\r\nVersion=1.30\r\n[Call]\r\nOwnCall=DL1ABC\r\n[Locator]\r\n"
-                          "OwnLocator=JO62QM\r\n[Telnet]\r\nTelnet_Call=GB7TST\r\n"
-                          "Telnet_Host=127.0.0.1\r\nTelnet_Port=%1\r\n[AutoUpdateCheck]\r\n"
-                          "UpdateCheck=off\r\n")
-                      .arg(node_.port())
-                      .toLatin1());
+        ini.write(LocalClusterServer::settingsFor(node_.port()));
         console_ = &window_.sources().console();
     }
     void startAndWaitForPrompt() {

@@ -3,9 +3,9 @@
 #include "ProgramState.h"
 #include "QtPrinters.h"
 #include "ScriptedPlatform.h"
+#include "WaitFor.h"
 #include "frmZKR_MUF.h"
 
-#include <QElapsedTimer>
 #include <QFile>
 #include <QLabel>
 #include <QTemporaryDir>
@@ -14,20 +14,12 @@
 #include <gtest/gtest.h>
 
 #include <cstdio>
-#include <functional>
 
 using namespace zkr;
 
 namespace {
 
-bool waitFor(const std::function<bool()> &condition, int ms = 10000) {
-    QElapsedTimer clock;
-    clock.start();
-    while (!condition() && clock.elapsed() < ms) {
-        QTest::qWait(10);
-    }
-    return condition();
-}
+using test::waitFor;
 
 QString clusterLine(const char *kilohertz, const char *dxCall, const char *comment) {
     const QString frequency = QString::fromLatin1(kilohertz);
@@ -55,12 +47,7 @@ TEST(EndToEnd, SpotsFromTheClusterAppearInTheirPanesNewestFirst) {
     QTemporaryDir folder;
     QFile ini(folder.filePath("zkr_muf.ini"));
     ASSERT_TRUE(ini.open(QIODevice::WriteOnly));
-    ini.write(
-        QString("[Version]\r\nVersion=1.30\r\n[Call]\r\nOwnCall=DL1ABC\r\n[Locator]\r\n"
-                "OwnLocator=JO62QM\r\n[Telnet]\r\nTelnet_Call=GB7TST\r\nTelnet_Host=127.0.0.1\r\n"
-                "Telnet_Port=%1\r\n[AutoUpdateCheck]\r\nUpdateCheck=off\r\n")
-            .arg(node.port())
-            .toLatin1());
+    ini.write(LocalClusterServer::settingsFor(node.port()));
     ini.close();
 
     ProgramState state;

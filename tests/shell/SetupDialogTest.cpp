@@ -7,11 +7,11 @@
 #include "ShellFakes.h"
 #include "SiteDefaults.h"
 #include "SpotSources.h"
+#include "WaitFor.h"
 #include "frmZKR_MUF.h"
 #include "frmZKR_MUF_Setup.h"
 
 #include <QCheckBox>
-#include <QElapsedTimer>
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
@@ -26,14 +26,7 @@
 namespace zkr {
 namespace {
 
-bool waitFor(const std::function<bool()> &condition) {
-    QElapsedTimer clock;
-    clock.start();
-    while (!condition() && clock.elapsed() < 5000) {
-        QTest::qWait(10);
-    }
-    return condition();
-}
+using test::waitFor;
 
 const QColor Green(0, 255, 0);
 

@@ -7,8 +7,8 @@
 #include "ScriptedPlatform.h"
 #include "SessionView.h"
 #include "SpotLineParsing.h"
+#include "WaitFor.h"
 
-#include <QElapsedTimer>
 #include <QTcpServer>
 #include <QTest>
 
@@ -19,6 +19,8 @@
 using namespace zkr;
 
 namespace {
+
+using test::waitFor;
 
 struct Session : SessionView, ReceiveHost {
     ProgramState state;
@@ -69,15 +71,6 @@ struct Session : SessionView, ReceiveHost {
     void hideWorkLabel() override {}
     void processEvents() override {}
 };
-
-bool waitFor(const std::function<bool()> &condition, int ms = 5000) {
-    QElapsedTimer clock;
-    clock.start();
-    while (!condition() && clock.elapsed() < ms) {
-        QTest::qWait(5);
-    }
-    return condition();
-}
 
 const QByteArray Spot =
     "DX de SP9HWY:     50110.0  OH1XYZ       JO90JR<ES>KP20                 1712Z\r\n";

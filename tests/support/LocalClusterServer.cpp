@@ -17,6 +17,13 @@ QByteArray LocalClusterServer::prompt(const QString &call) {
     return call.toLatin1() + " de GB7TST 21-Nov-2026 1712Z dxspider >\r\n";
 }
 
+QByteArray LocalClusterServer::settingsFor(quint16 port) {
+    return "[Version]\r\nVersion=1.30\r\n[Call]\r\nOwnCall=DL1ABC\r\n[Locator]\r\n"
+           "OwnLocator=JO62QM\r\n[Telnet]\r\nTelnet_Call=GB7TST\r\nTelnet_Host=127.0.0.1\r\n"
+           "Telnet_Port=" +
+           QByteArray::number(port) + "\r\n[AutoUpdateCheck]\r\nUpdateCheck=off\r\n";
+}
+
 void LocalClusterServer::onNewConnection() {
     while (QTcpSocket *socket = server_->nextPendingConnection()) {
         socket->setParent(this);

@@ -3,6 +3,9 @@
 #include "FuzzSupport.h"
 #include "IniFile.h"
 
+#include <optional>
+#include <vector>
+
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
     ensureApplication();
     const QByteArray content(reinterpret_cast<const char *>(data), static_cast<qsizetype>(size));
@@ -10,14 +13,22 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     const char *keys[][2] = {{"Version", "Version"},    {"Call", "OwnCall"},
                              {"Locator", "OwnLocator"}, {"Telnet", "Telnet_Host"},
                              {"Position", "Left"},      {"AutoUpdateCheck", "UpdateCheck"}};
+    std::vector<std::optional<QString>> before;
     for (const auto &key : keys) {
-        (void)ini.value(QString::fromLatin1(key[0]), QString::fromLatin1(key[1]));
+        before.push_back(ini.value(QString::fromLatin1(key[0]), QString::fromLatin1(key[1])));
     }
     ini.setValue(QStringLiteral("Call"), QStringLiteral("OwnCall"), QStringLiteral("DL1ABC"));
     const zkr::IniFile again(ini.content());
     const std::optional<QString> call = again.value(u"call", u"OWNCALL");
     if (!call || *call != QStringLiteral("DL1ABC")) {
         std::abort();
+    }
+    for (std::size_t i = 0; i < before.size(); ++i) {
+        if (QLatin1String(keys[i][1]) != QLatin1String("OwnCall") &&
+            again.value(QString::fromLatin1(keys[i][0]), QString::fromLatin1(keys[i][1])) !=
+                before[i]) {
+            std::abort(); // the write changed another key
+        }
     }
     return 0;
 }

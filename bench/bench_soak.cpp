@@ -9,7 +9,6 @@
 
 #include <QApplication>
 #include <QElapsedTimer>
-#include <QFile>
 #include <QTemporaryDir>
 
 #include <cstdio>
@@ -49,10 +48,10 @@ int main(int argc, char **argv) {
     QApplication app(argc, argv);
     LocalClusterServer node;
     QTemporaryDir folder;
-    QFile ini(folder.filePath(QStringLiteral("zkr_muf.ini")));
-    ini.open(QIODevice::WriteOnly);
-    ini.write(LocalClusterServer::settingsFor(node.port()));
-    ini.close();
+    if (!LocalClusterServer::writeSettings(folder.path(), node.port())) {
+        std::fprintf(stderr, "cannot write the settings file\n");
+        return 1;
+    }
     ProgramState state;
     YieldingPlatform platform;
     platform.setApplicationFolder(folder.path());

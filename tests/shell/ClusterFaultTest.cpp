@@ -9,7 +9,6 @@
 #include "frmZKR_MUF.h"
 
 #include <QElapsedTimer>
-#include <QFile>
 #include <QLabel>
 #include <QSet>
 #include <QTcpServer>
@@ -59,10 +58,7 @@ struct Connected {
     // Started against some other server, without waiting for anything.
     explicit Connected(quint16 port) { start(port); }
     void start(quint16 port) {
-        QFile ini(folder.filePath("zkr_muf.ini"));
-        EXPECT_TRUE(ini.open(QIODevice::WriteOnly));
-        ini.write(LocalClusterServer::settingsFor(port));
-        ini.close();
+        EXPECT_TRUE(LocalClusterServer::writeSettings(folder.path(), port));
         platform.setApplicationFolder(folder.path());
         window = std::make_unique<frmZKR_MUF>(state, platform);
         window->Form_Load();

@@ -173,9 +173,7 @@ TEST_F(ConsoleTest, TheRecordPaneIsBlackAndBoundedTheDataFieldFilledWhenShown) {
 class ConsoleInProgramTest : public ConsoleTest {
 protected:
     ConsoleInProgramTest() {
-        QFile ini(QDir(folder_.path()).filePath("zkr_muf.ini"));
-        EXPECT_TRUE(ini.open(QIODevice::WriteOnly));
-        ini.write(LocalClusterServer::settingsFor(node_.port()));
+        EXPECT_TRUE(LocalClusterServer::writeSettings(folder_.path(), node_.port()));
         console_ = &window_.sources().console();
     }
     void startAndWaitForPrompt() {

@@ -6,7 +6,6 @@
 #include "WaitFor.h"
 #include "frmZKR_MUF.h"
 
-#include <QFile>
 #include <QLabel>
 #include <QTemporaryDir>
 #include <QTest>
@@ -45,10 +44,7 @@ bool hasColour(const PaneView &pane, std::uint32_t colour) {
 TEST(EndToEnd, SpotsFromTheClusterAppearInTheirPanesNewestFirst) {
     LocalClusterServer node;
     QTemporaryDir folder;
-    QFile ini(folder.filePath("zkr_muf.ini"));
-    ASSERT_TRUE(ini.open(QIODevice::WriteOnly));
-    ini.write(LocalClusterServer::settingsFor(node.port()));
-    ini.close();
+    ASSERT_TRUE(LocalClusterServer::writeSettings(folder.path(), node.port()));
 
     ProgramState state;
     ScriptedPlatform platform;

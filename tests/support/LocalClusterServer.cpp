@@ -1,5 +1,7 @@
 #include "LocalClusterServer.h"
 
+#include <QDir>
+#include <QFile>
 #include <QTcpServer>
 #include <QTcpSocket>
 
@@ -17,11 +19,14 @@ QByteArray LocalClusterServer::prompt(const QString &call) {
     return call.toLatin1() + " de GB7TST 21-Nov-2026 1712Z dxspider >\r\n";
 }
 
-QByteArray LocalClusterServer::settingsFor(quint16 port) {
-    return "[Version]\r\nVersion=1.30\r\n[Call]\r\nOwnCall=DL1ABC\r\n[Locator]\r\n"
-           "OwnLocator=JO62QM\r\n[Telnet]\r\nTelnet_Call=GB7TST\r\nTelnet_Host=127.0.0.1\r\n"
-           "Telnet_Port=" +
-           QByteArray::number(port) + "\r\n[AutoUpdateCheck]\r\nUpdateCheck=off\r\n";
+bool LocalClusterServer::writeSettings(const QString &folder, quint16 port) {
+    const QByteArray settings =
+        "[Version]\r\nVersion=1.30\r\n[Call]\r\nOwnCall=DL1ABC\r\n[Locator]\r\n"
+        "OwnLocator=JO62QM\r\n[Telnet]\r\nTelnet_Call=GB7TST\r\nTelnet_Host=127.0.0.1\r\n"
+        "Telnet_Port=" +
+        QByteArray::number(port) + "\r\n[AutoUpdateCheck]\r\nUpdateCheck=off\r\n";
+    QFile ini(QDir(folder).filePath(QStringLiteral("zkr_muf.ini")));
+    return ini.open(QIODevice::WriteOnly) && ini.write(settings) == settings.size();
 }
 
 void LocalClusterServer::onNewConnection() {

@@ -30,9 +30,9 @@ public:
     bool socketIdle() const;
     // The prompt the node sends after the login.
     static QByteArray prompt(const QString &call);
-    // A settings file for the program in telnet mode (DL1ABC at JO62QM, no
-    // update check) that uses the cluster GB7TST at 127.0.0.1:port.
-    static QByteArray settingsFor(quint16 port);
+    // Writes zkr_muf.ini into `folder`: the program in telnet mode (DL1ABC at
+    // JO62QM, no update check) using the cluster GB7TST at 127.0.0.1:port.
+    static bool writeSettings(const QString &folder, quint16 port);
 
 private:
     void onNewConnection();

@@ -3,24 +3,24 @@
 #include <QObject>
 #include <QString>
 
-#include <functional>
-
 class QNetworkAccessManager;
+class QNetworkReply;
+class QTimer;
 
 namespace zkr {
 
-// Fetches web pages for the spot list and the update check over one shared
-// network manager. A fetch blocks its caller but lets window, timer and
-// network events run meanwhile, as the program always did; a timeout on
-// every attempt and on the whole fetch keeps a silent server from holding
-// the program.
+// Fetches web pages (the spot list, the update check) without blocking:
+// fetch() returns at once and fetched() or failed() follows. An attempt
+// that gets no answer is retried within a deadline; a download that is slow
+// but still moving is never cut off, only one that falls silent.
 class WebClient : public QObject {
     Q_OBJECT
 public:
     struct Options {
-        int attempts = 11;
-        int attemptTimeoutMs = 10000;
-        int totalTimeoutMs = 15000;
+        int attempts = 11;            // tries while no server answers
+        int retryWindowMs = 15000;    // no new try starts after this
+        int connectTimeoutMs = 10000; // until the server answers at all
+        int silenceTimeoutMs = 10000; // longest pause within an answer
     };
 
     explicit WebClient(QObject *parent = nullptr);
@@ -28,32 +28,38 @@ public:
 
     void setOptions(Options options) { options_ = options; }
 
-    // Progress captions ("trying to connect", "connected", "requesting"),
-    // shown on the main window's work label.
-    void setCaptionHandler(std::function<void(const QString &)> handler) {
-        caption_ = std::move(handler);
-    }
+    // Starts fetching `url`. Returns false, and does nothing, while a fetch
+    // is under way: one fetch at a time.
+    bool fetch(const QString &url);
+    bool isBusy() const { return reply_ != nullptr || retrying_; }
 
-    // Called once when every attempt failed, with the last failure code:
-    // the program warns the user and marks the source offline.
-    void setFailureHandler(std::function<void(int)> handler) { failure_ = std::move(handler); }
-
-    // The whole response body, or "" when no server answered. A server that
-    // answered with an error status still counts as answered: its page is
-    // returned (the spot service's error pages are recognised by text).
+    // Fetches and waits for the answer in a local event loop: for the
+    // interactive update check only. "" when no server answered.
     QString Open_Url(const QString &url);
-
-    // Whether the last Open_Url reached a server, and the last failure code.
     bool lastUrlOpened() const { return lastOpened_; }
     int lastError() const { return lastError_; }
 
+Q_SIGNALS:
+    // "trying to connect", "connected", "requesting".
+    void progress(const QString &caption);
+    // A server answered (any status: the spot service's error pages are
+    // recognised by their text). The body is decoded.
+    void fetched(const QString &body);
+    // No server answered in any attempt; `error` is the last failure code.
+    void failed(int error);
+
 private:
-    void showCaption(const QString &caption);
+    void startAttempt();
+    void onFinished();
 
     Options options_;
     QNetworkAccessManager *manager_;
-    std::function<void(const QString &)> caption_;
-    std::function<void(int)> failure_;
+    QNetworkReply *reply_ = nullptr;
+    QTimer *silence_;
+    QString url_;
+    int attemptsMade_ = 0;
+    qint64 startedMs_ = 0;
+    bool retrying_ = false;
     bool lastOpened_ = false;
     int lastError_ = 0;
 };

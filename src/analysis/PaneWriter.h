@@ -1,0 +1,32 @@
+#pragma once
+
+#include "EvaluatedSpot.h"
+#include "ResultPanes.h"
+
+#include <QString>
+
+namespace zkr {
+
+// Prints evaluated spots into the four result panes, newest on top: each
+// spot's runs go in at the caret of the panes it selects, whose carets then
+// go back to the top.
+class PaneWriter {
+public:
+    explicit PaneWriter(const ResultPanes &panes) : panes_(panes) {}
+
+    void writeSpot(const EvaluatedSpot &spot);
+    // The cluster's welcome or prompt block, in blue, into every pane.
+    void writePrompt(const QString &block);
+    // A web page replaces what the panes held.
+    void beginPage();
+    // "Sorry - no Es-spots found !" into every pane that got no Es result.
+    void endPage(unsigned panesWithEs);
+    // Replaces what every pane holds with one line in black ("The Webserver
+    // may be down !").
+    void writeNotice(const QString &text);
+
+private:
+    ResultPanes panes_;
+};
+
+} // namespace zkr

@@ -2,13 +2,9 @@
 // sends them in an Es season: HF spots without locators, 6 m, 4 m and 2 m
 // spots with one or two locators and every kind of mode marker.
 
-#include "EsPathModel.h"
 #include "MemoryPane.h"
-#include "ProgramState.h"
-#include "ResultOutput.h"
-#include "ScriptedPlatform.h"
-#include "SpotAnalysis.h"
-#include "SpotLineParsing.h"
+#include "PaneWriter.h"
+#include "SpotEvaluator.h"
 
 #include <benchmark/benchmark.h>
 
@@ -78,85 +74,34 @@ QStringList makeLines() {
                           .replace(QLatin1String("%2"), pick(Locators))
                           .replace(QLatin1String("%3"), pick(Squares));
         }
-        lines.append(Prepare_ClusterLine(clusterLine(pick(Calls), kiloHertz, pick(Calls), comment,
-                                                     static_cast<int>(unit(random) * 24) * 100 +
-                                                         static_cast<int>(unit(random) * 60)) +
-                                         QStringLiteral(" JO62\r\n")));
+        // As received: the prefix, the line, characters beyond the 75 the
+        // analysis takes, the line end.
+        lines.append(clusterLine(pick(Calls), kiloHertz, pick(Calls), comment,
+                                 static_cast<int>(unit(random) * 24) * 100 +
+                                     static_cast<int>(unit(random) * 60)) +
+                     QStringLiteral(" JO62\r\n"));
     }
     return lines;
 }
 
-ProgramState benchState() {
-    ProgramState s;
-    s.EarthRadius = 6367;
-    s.EsLayerHeight = 110;
-    s.Distance_Limit = 1500;
-    s.MinFrequency_MHz = 144;
-    s.Color_Black = QStringLiteral("0");
-    s.Color_Magenta = QString::number(0xFF00FF);
-    s.Color_Grey = QString::number(0xB0B0B0);
-    s.IniFileName = QStringLiteral("zkr_muf.ini");
-    s.OwnLocator = QStringLiteral("JO62QM");
-    s.SpotLine_Columns = ClusterColumns;
-    s.Column_Count = 15;
-    return s;
+AnalysisSettings benchSettings() {
+    AnalysisSettings settings;
+    settings.ownLocator = QStringLiteral("JO62QM");
+    settings.columns = ClusterColumns;
+    return settings;
 }
 
-void BM_AnalyseSpot(benchmark::State &bench) {
+// The evaluation of a line as the cluster sends it: analysis, path and the
+// printed runs, into a value.
+void BM_EvaluateClusterLine(benchmark::State &bench) {
     const QStringList lines = makeLines();
-    ProgramState s = benchState();
-    ScriptedPlatform platform;
-    int i = 0;
-    std::int64_t paths = 0;
-    for (auto _ : bench) {
-        s.Spot_Line = lines[i];
-        Analyse_Spot(s, platform);
-        benchmark::DoNotOptimize(s.Es_MUF);
-        paths += s.Locator_2.isEmpty() ? 0 : 1;
-        i = (i + 1) % LineCount;
-    }
-    bench.SetItemsProcessed(bench.iterations());
-    bench.counters["lines/s"] =
-        benchmark::Counter(static_cast<double>(bench.iterations()), benchmark::Counter::kIsRate);
-    bench.counters["path_share"] =
-        static_cast<double>(paths) /
-        static_cast<double>(std::max<std::int64_t>(1, bench.iterations()));
-}
-BENCHMARK(BM_AnalyseSpot);
-
-// The analysis and what the evaluation prints for a spot: the raw line, the
-// result fields of an Es spot with two locators, the line end; then each
-// pane that took output gets its caret back to the top and is committed.
-void BM_AnalyseAndPrint(benchmark::State &bench) {
-    const QStringList lines = makeLines();
-    ProgramState s = benchState();
-    ScriptedPlatform platform;
-    std::array<MemoryPane, 4> memory{MemoryPane(250), MemoryPane(250), MemoryPane(250),
-                                     MemoryPane(250)};
-    const ResultPanes panes{&memory[0], &memory[1], &memory[2], &memory[3]};
+    const SpotEvaluator evaluator(benchSettings());
     int i = 0;
     std::int64_t computed = 0;
     for (auto _ : bench) {
-        s.Spot_Line = lines[i];
-        Analyse_Spot(s, platform);
-        Print_RawLine(s, panes, 0, 0xFF00FF);
-        if (!s.Locator_2.isEmpty() && s.Locator_1 != s.Locator_2 &&
-            s.Spot_Mode == QLatin1String("ES")) {
-            Print_MufField(s, panes);
-            Print_MidSquare(s, panes);
-            Print_FotField(s, panes);
-            Print_AzField(s, panes);
-            ++computed;
-        } else {
-            Print_LineEnd(s, panes);
-        }
-        const unsigned selected = Selected_Panes(s);
-        for (std::size_t p = 0; p < memory.size(); ++p) {
-            if ((selected & (1U << p)) != 0) {
-                memory[p].setCaret(0);
-                memory[p].commit();
-            }
-        }
+        const EvaluatedSpot spot = evaluator.evaluateClusterLine(lines[i]);
+        benchmark::DoNotOptimize(spot.runs.constData());
+        computed += spot.es ? 1 : 0;
         i = (i + 1) % LineCount;
     }
     bench.SetItemsProcessed(bench.iterations());
@@ -165,37 +110,32 @@ void BM_AnalyseAndPrint(benchmark::State &bench) {
     bench.counters["es_share"] = static_cast<double>(computed) /
                                  static_cast<double>(std::max<std::int64_t>(1, bench.iterations()));
 }
-BENCHMARK(BM_AnalyseAndPrint);
+BENCHMARK(BM_EvaluateClusterLine);
 
-// The parts on their own: the field extraction every line goes through,
-// and one Es path (JO62QM to KP20, seen from JO62QM).
-void BM_ExtractSpotFields(benchmark::State &bench) {
+// The same, and each spot written on top of the panes it selects, which are
+// then committed, as the window shows every spot.
+void BM_EvaluateAndWrite(benchmark::State &bench) {
     const QStringList lines = makeLines();
-    ProgramState s = benchState();
+    const SpotEvaluator evaluator(benchSettings());
+    std::array<MemoryPane, 4> memory{MemoryPane(250), MemoryPane(250), MemoryPane(250),
+                                     MemoryPane(250)};
+    PaneWriter writer(ResultPanes{&memory[0], &memory[1], &memory[2], &memory[3]});
     int i = 0;
     for (auto _ : bench) {
-        s.Spot_Line = lines[i];
-        Extract_SpotFields(s);
-        benchmark::DoNotOptimize(s.Spot_Frequency);
+        const EvaluatedSpot spot = evaluator.evaluateClusterLine(lines[i]);
+        writer.writeSpot(spot);
+        for (std::size_t p = 0; p < memory.size(); ++p) {
+            if ((spot.panes & (1U << p)) != 0) {
+                memory[p].commit();
+            }
+        }
         i = (i + 1) % LineCount;
     }
     bench.SetItemsProcessed(bench.iterations());
+    bench.counters["lines/s"] =
+        benchmark::Counter(static_cast<double>(bench.iterations()), benchmark::Counter::kIsRate);
 }
-BENCHMARK(BM_ExtractSpotFields);
-
-void BM_ComputeEsPath(benchmark::State &bench) {
-    ProgramState s = benchState();
-    ScriptedPlatform platform;
-    s.Spot_Frequency = 50.11f;
-    for (auto _ : bench) {
-        s.Locator_1 = QStringLiteral("JO62QM");
-        s.Locator_2 = QStringLiteral("KP20??");
-        Compute_EsPath(s, platform);
-        benchmark::DoNotOptimize(s.Es_MUF);
-    }
-    bench.SetItemsProcessed(bench.iterations());
-}
-BENCHMARK(BM_ComputeEsPath);
+BENCHMARK(BM_EvaluateAndWrite);
 
 } // namespace
 

@@ -6,7 +6,6 @@
 #include "ProgramState.h"
 #include "ScriptedPlatform.h"
 #include "SpotSources.h"
-#include "TelnetReceive.h"
 #include "frmZKR_MUF.h"
 
 #include <QApplication>
@@ -72,10 +71,8 @@ struct Rig {
         window.Form_Load();
         window.show();
     }
-    void receive(const QString &spot) {
-        state.Telnet_Text = spot;
-        Telnet_Receive(state, window.sources());
-    }
+    // A spot arrives on the cluster session's feed, as from the network.
+    void receive(const QString &spot) { window.sources().session().feed().receive(spot.toLatin1()); }
     // One spot as the user sees it: evaluated, then the visible pane painted.
     double timeOneSpot(const QString &spot) {
         QElapsedTimer clock;
@@ -139,8 +136,7 @@ int main(int argc, char **argv) {
         "memory growth for 100,000 spots in all panes: %.1f MB (%.0f bytes per pane line)\n",
         static_cast<double>(after - before) / 1024.0,
         static_cast<double>(after - before) * 1024.0 / static_cast<double>(lines));
-    std::printf("state: SpotLines %lld, Console_Lines %lld, platform log %lld\n",
-                static_cast<long long>(rig.state.SpotLines.size()),
+    std::printf("state: Console_Lines %lld, platform log %lld\n",
                 static_cast<long long>(rig.state.Console_Lines.size()),
                 static_cast<long long>(rig.platform.log().size()));
     std::printf("heap in use grew by %.1f MB\n", heapAfter - heapBefore);

@@ -71,11 +71,10 @@ int main(int argc, char **argv) {
     std::printf("%10s %12s %12s %14s %10s\n", "spots", "heap MB", "RSS MB", "us per spot",
                 "chunks");
     for (int sent = 0; sent < 1000000; sent += 100) {
-        const int chunks = state.Console_LineCount;
+        const qsizetype chunks = state.Console_Lines.size();
         node.send(batch(sent));
-        // The next batch goes once this one was taken in, so that every
-        // batch arrives as a chunk of its own.
-        while (state.Console_LineCount == chunks || state.Busy || !node.socketIdle()) {
+        // The next batch goes once this one was taken in.
+        while (state.Console_Lines.size() == chunks || !node.socketIdle()) {
             QCoreApplication::processEvents(QEventLoop::AllEvents, 5);
         }
         const int spots = sent + 100;
@@ -84,16 +83,15 @@ int main(int argc, char **argv) {
             std::printf("%10d %12.1f %12.1f %14.1f %10d\n", spots, heapMiB() - heapStart,
                         static_cast<double>(residentKiB() - rssStart) / 1024.0,
                         1000.0 * static_cast<double>(ms - lastMs) / (spots - lastSpots),
-                        static_cast<int>(state.Console_LineCount));
+                        static_cast<int>(state.Console_Lines.size() - 1));
             std::fflush(stdout);
             lastMs = ms;
             lastSpots = spots;
         }
     }
-    std::printf("lines in pane All: %lld (cap %lld); spot list %lld; console record %lld chunks\n",
+    std::printf("lines in pane All: %lld (cap %lld); console record %lld chunks\n",
                 static_cast<long long>(window.workingPane(0).lineCount()),
                 static_cast<long long>(window.workingPane(0).maxLines()),
-                static_cast<long long>(state.SpotLines.size()),
                 static_cast<long long>(state.Console_Lines.size()));
     return 0;
 }

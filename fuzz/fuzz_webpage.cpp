@@ -1,6 +1,6 @@
 // A downloaded web spot page, anything at all: tag removal, the cut of the
 // redirect script, the line split, the entity clean-up and the evaluation.
-#include "EvaluationCycle.h"
+#include "SpotLineParsing.h"
 #include "FuzzSupport.h"
 #include "SpotPage.h"
 

@@ -2,9 +2,9 @@
 
 #include "Int16Arithmetic.h"
 #include "Locators.h"
-#include "Platform.h"
-#include "ProgramState.h"
 #include "RunTimeError.h"
+#include "SpotEvaluator.h"
+#include "SpotWork.h"
 
 #include <algorithm>
 #include <cmath>
@@ -192,85 +192,70 @@ GeoPoint Destination_Point(double latitude, double longitude, double azimuth, do
     return destination(pointAt(latitude, longitude), azimuth, distance, radius);
 }
 
-void Compute_EsPath(ProgramState &s, Platform &platform) {
+bool Compute_EsPath(SpotWork &work, const AnalysisSettings &settings) {
     // 1. Without a valid own locator nothing can be computed.
-    if (Check_Locator(s, s.OwnLocator)) {
-        platform.beep(800, 200);
-        platform.armBoxPlacement(std::nullopt);
-        platform.messageBox(QStringLiteral("Own Locator in ") + s.IniFileName +
-                                QStringLiteral(" is wrong !"),
-                            MsgButtons::OkOnly, QStringLiteral("ZKR_MUF"));
-        return;
+    if (Check_Locator(settings.ownLocator)) {
+        work.spot.error = QStringLiteral("Own Locator in ") + settings.settingsFileName +
+                          QStringLiteral(" is wrong !");
+        return false;
     }
 
     // 2-4. Positions; equal longitudes are pulled apart so that the courses
     // of the path stay defined.
-    Locator_To_LatLon(s.Locator_1, s.Spot_Lat1, s.Spot_Lon1);
-    Locator_To_LatLon(s.Locator_2, s.Spot_Lat2, s.Spot_Lon2);
-    if (s.Spot_Lon2 == s.Spot_Lon1) {
-        s.Spot_Lon2 += 0.000001;
+    work.one = Locator_Position(work.spot.locator1);
+    work.two = Locator_Position(work.spot.locator2);
+    if (work.two.longitude == work.one.longitude) {
+        work.two.longitude += 0.000001;
     }
-    Locator_To_LatLon(s.OwnLocator, s.Own_Lat, s.Own_Lon);
-    const Point one = pointAt(s.Spot_Lat1, s.Spot_Lon1);
-    const Point two = pointAt(s.Spot_Lat2, s.Spot_Lon2);
-    const Point own = pointAt(s.Own_Lat, s.Own_Lon);
+    work.own = Locator_Position(settings.ownLocator);
+    const Point one = pointAt(work.one.latitude, work.one.longitude);
+    const Point two = pointAt(work.two.latitude, work.two.longitude);
+    const Point own = pointAt(work.own.latitude, work.own.longitude);
 
-    const double radius = s.EarthRadius;
+    const double radius = EarthRadius;
+    EsPath &path = work.path;
 
     // 5-7. The spot path and its midpoint, where the Es cloud is assumed.
-    const Leg path = legBetween(one, two);
-    s.Path_Angle = path.angle;
-    s.Path_Distance = radius * s.Path_Angle;
-    s.Path_Azimuth12 = path.course;
-    s.Path_Azimuth21 = courseBetween(two, one);
+    // Courses that no result needs are worked out all the same: where one
+    // is undefined, the spot fails.
+    const Leg spotPath = legBetween(one, two);
+    path.pathKm = radius * spotPath.angle;
+    courseBetween(two, one);
     const Point mid = midpoint(one, two);
-    s.Mid_Lon = mid.lon;
-    s.Mid_Lat = mid.lat;
-    LatLon_To_Locator(s.Mid_Lat, s.Mid_Lon, s.Mid_Locator);
+    work.mid = GeoPoint{mid.lat, mid.lon};
+    LatLon_To_Locator(mid.lat, mid.lon, path.cloud);
 
     // 8. One hop of the spot path: station 1 to the cloud.
     const Leg hop = legBetween(one, mid);
-    s.Hop_Angle = hop.angle;
-    s.Hop_Distance = radius * s.Hop_Angle;
-    s.Hop_Azimuth = hop.course;
-    s.Path_Elevation = Es_Elevation(s.Hop_Angle, s.EarthRadius, s.EsLayerHeight);
+    const double pathElevation = Es_Elevation(hop.angle, EarthRadius, EsLayerHeight);
 
     // 9. The own station towards the cloud.
     const Leg ownMid = legBetween(own, mid);
-    s.OwnMid_Angle = ownMid.angle;
-    s.OwnMid_Distance = radius * s.OwnMid_Angle;
-    s.OwnMid_Azimuth = ownMid.course;
-    s.OwnMid_Elevation = Es_Elevation(s.OwnMid_Angle, s.EarthRadius, s.EsLayerHeight);
+    path.ownKm = radius * ownMid.angle;
+    path.azimuth = ownMid.course;
+    path.elevation = Es_Elevation(ownMid.angle, EarthRadius, EsLayerHeight);
 
     // 10. Secant law on a curved earth: k = (R / (R + h))^2.
-    const double f = s.Spot_Frequency;
-    const double k = std::pow(1.0 + divide(s.EsLayerHeight, s.EarthRadius), -2.0);
-    const double pathElevation = s.Path_Elevation < 0 ? 0.0 : s.Path_Elevation;
-    const double vertical = 1 - k * cosineSquared(pathElevation);
-    s.Es_CriticalFrequency = f * std::sqrt(vertical);
-    s.Es_MUF = f * std::sqrt(divide(vertical, 1 - k));
-    if (std::floor(s.OwnMid_Elevation + 0.5) < 0) {
-        s.Own_MUF = 0;
+    const double f = work.spot.frequency;
+    const double k = std::pow(1.0 + divide(EsLayerHeight, EarthRadius), -2.0);
+    const double vertical = 1 - k * cosineSquared(pathElevation < 0 ? 0.0 : pathElevation);
+    path.critical = f * std::sqrt(vertical);
+    path.muf = f * std::sqrt(divide(vertical, 1 - k));
+    if (std::floor(path.elevation + 0.5) < 0) {
+        path.ownMuf = 0;
     } else {
-        s.Own_MUF =
-            divide(s.Es_CriticalFrequency, std::sqrt(1 - k * cosineSquared(s.OwnMid_Elevation)));
+        path.ownMuf = divide(path.critical, std::sqrt(1 - k * cosineSquared(path.elevation)));
     }
 
-    // 11. A first estimate of the far longitude, superseded at once below.
-    s.Far_Lon = wrapToHalfTurn(s.Own_Lon + 2 * (s.Mid_Lon - s.Own_Lon));
+    // 11-14. Where a hop from the own station via the cloud comes down.
+    const GeoPoint reached = destination(own, path.azimuth, 2 * path.ownKm, radius);
+    work.far = GeoPoint{reached.latitude, wrapToHalfTurn(reached.longitude)};
+    LatLon_To_Locator(work.far.latitude, work.far.longitude, path.far);
 
-    // 12-14. Where a hop from the own station via the cloud comes down.
-    const GeoPoint reached = destination(own, s.OwnMid_Azimuth, 2 * s.OwnMid_Distance, radius);
-    s.Far_Lat = reached.latitude;
-    s.Far_Lon = wrapToHalfTurn(reached.longitude);
-    LatLon_To_Locator(s.Far_Lat, s.Far_Lon, s.Far_Locator);
-
-    // 15.
-    const Leg ownFar = legBetween(own, pointAt(s.Far_Lat, s.Far_Lon));
-    s.OwnFar_Angle = ownFar.angle;
-    s.OwnFar_Distance = radius * s.OwnFar_Angle;
-    s.OwnFar_Azimuth = ownFar.course;
-    s.OwnFar_Elevation = Es_Elevation(s.OwnFar_Angle / 2, s.EarthRadius, s.EsLayerHeight);
+    // 15. The course from the own station to that point, for its faults.
+    courseBetween(own, pointAt(work.far.latitude, work.far.longitude));
+    work.pathComputed = true;
+    return true;
 }
 
 } // namespace zkr

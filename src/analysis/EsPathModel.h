@@ -1,18 +1,26 @@
 #pragma once
 
+#include "Locators.h"
+
 #include <cstdint>
 #include <numbers>
 
 namespace zkr {
 
-struct ProgramState;
-class Platform;
+struct AnalysisSettings;
+struct SpotWork;
 
-// The angle constants of the path model; they equal what start-up stores in
-// the program state (4 x arc tangent of 1 is the double nearest to pi).
+// The angle constants of the path model (4 x arc tangent of 1 is the
+// double nearest to pi).
 inline constexpr double Pi = std::numbers::pi;
 inline constexpr double Deg2Rad = Pi / 180.0;
 inline constexpr double Rad2Deg = 180.0 / Pi;
+
+// The model's constants: height of the Es layer and radius of the earth in
+// km (round(40007 / 2 pi)), the distance beyond which no course is printed,
+// and the frequency from which a MUF is a 2 m opening.
+inline constexpr std::int16_t EsLayerHeight = 110, EarthRadius = 6367, Distance_Limit = 1500,
+                              MinFrequency_MHz = 144;
 
 // Every function below takes and returns degrees unless it says otherwise.
 // A floating-point fault (division by zero, overflow) throws RunTimeError
@@ -45,11 +53,6 @@ double Arc_Tangent2(double y, double x);
 // below the station's horizon.
 double Es_Elevation(double angle, std::int16_t earthRadius, std::int16_t esLayerHeight);
 
-struct GeoPoint {
-    double latitude = 0;
-    double longitude = 0;
-};
-
 // The point reached from (latitude, longitude) along the initial course
 // `azimuth` over `distance` on a sphere of radius `radius` (same unit as the
 // distance). The longitude is the start longitude plus a change of -180 to
@@ -57,12 +60,12 @@ struct GeoPoint {
 GeoPoint Destination_Point(double latitude, double longitude, double azimuth, double distance,
                            double radius);
 
-// The Es path of the current spot from Locator_1, Locator_2 and OwnLocator
-// into the path results of the program state: distances, courses, the
-// midpoint and its locator, elevations, the Es critical frequency, Es MUF,
-// own MUF, and the far point with its locator. A malformed own locator is
-// reported through `platform` and leaves every result as it was. The
-// locator texts ending in "??" are rewritten to "LL" (see Locator_To_LatLon).
-void Compute_EsPath(ProgramState &state, Platform &platform);
+// The Es path of the spot's two locators seen from the own locator, into
+// the scratch: the points, and as `path` the midpoint square where the
+// cloud is assumed, the Es critical frequency and MUF, the own MUF, course,
+// elevation and distance from the own station to the cloud, and where a hop
+// from the own station via the cloud comes down. Returns false, with the
+// spot's error set and nothing computed, when the own locator is wrong.
+bool Compute_EsPath(SpotWork &work, const AnalysisSettings &settings);
 
 } // namespace zkr

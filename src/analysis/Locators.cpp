@@ -1,8 +1,8 @@
 #include "Locators.h"
 
 #include "Int16Arithmetic.h"
-#include "ProgramState.h"
 #include "RunTimeError.h"
+#include "SpotWork.h"
 #include "UpperCase.h"
 
 #include <cmath>
@@ -127,7 +127,7 @@ char16_t characterOf(std::int16_t base, std::int16_t offset) {
 
 } // namespace
 
-bool Check_Locator(ProgramState &state, const QString &locator) {
+bool Check_Locator(const QString &locator) {
     bool wrong = false;
     if (locator.size() < 4) {
         wrong = true;
@@ -142,16 +142,16 @@ bool Check_Locator(ProgramState &state, const QString &locator) {
     } else {
         wrong = true;
     }
-    state.Locator_Wrong = wrong;
     return wrong;
 }
 
-void Find_Locators(ProgramState &state) {
-    upperCaseInto(state.Spot_Comment, state.Comment_Upper);
-    if (takeLocator(state.Comment_Upper, state.Locator_1)) {
-        takeLocator(state.Comment_Upper, state.Locator_2);
+void Find_Locators(SpotWork &work) {
+    EvaluatedSpot &spot = work.spot;
+    upperCaseInto(spot.comment, work.commentUpper);
+    if (takeLocator(work.commentUpper, spot.locator1)) {
+        takeLocator(work.commentUpper, spot.locator2);
     } else {
-        makeEmpty(state.Locator_2);
+        makeEmpty(spot.locator2);
     }
 }
 
@@ -160,19 +160,29 @@ void Locator_To_LatLon(QString &locator, double &latitude, double &longitude) {
         locator.truncate(4);
         locator += QLatin1String("LL");
     }
+    const GeoPoint point = Locator_Position(locator);
+    latitude = point.latitude;
+    longitude = point.longitude;
+}
+
+GeoPoint Locator_Position(QStringView locator) {
     if (locator.size() < 6) {
         // The six characters are read one by one; the code of a missing one
         // is an invalid argument.
         throw RunTimeError(RunTimeError::InvalidArgument);
     }
+    const bool square = locator.endsWith(u"??");
+    const QChar subLon = square ? QLatin1Char('L') : locator[4];
+    const QChar subLat = square ? QLatin1Char('L') : locator[5];
     const std::int16_t lonField = toInt16(toInt16(toInt16(code(locator[0]) - 65) * 20LL) - 180LL);
-    longitude = lonField + 2.0 * digitValue(locator[2]);
-    longitude += toInt16(code(locator[4]) - 65) / 12.0;
+    double longitude = lonField + 2.0 * digitValue(locator[2]);
+    longitude += toInt16(code(subLon) - 65) / 12.0;
     longitude += 1.0 / 24.0;
     const std::int16_t latField = toInt16(toInt16(toInt16(code(locator[1]) - 65) * 10LL) - 90LL);
-    latitude = latField + digitValue(locator[3]);
-    latitude += toInt16(code(locator[5]) - 65) / 24.0;
+    double latitude = latField + digitValue(locator[3]);
+    latitude += toInt16(code(subLat) - 65) / 24.0;
     latitude += 1.0 / 48.0;
+    return GeoPoint{latitude, longitude};
 }
 
 void LatLon_To_Locator(double latitude, double longitude, QString &locator) {

@@ -1,22 +1,30 @@
 #pragma once
 
 #include <QString>
+#include <QStringView>
 
 namespace zkr {
 
-struct ProgramState;
+struct SpotWork;
 
-// Checks a Maidenhead locator of 4 or 6 characters by character code
-// (so lower case fails): field A-R, square 0-9, subsquare A-X. Sets
-// Locator_Wrong and returns it.
-bool Check_Locator(ProgramState &state, const QString &locator);
+// A position on the earth in degrees, north and east positive.
+struct GeoPoint {
+    double latitude = 0;
+    double longitude = 0;
+};
 
-// Finds the locators of the spot: Comment_Upper becomes the upper-cased
-// Spot_Comment, and the first two locators in it are cut out (each cut is
-// followed by a trim) into Locator_1 and Locator_2. A six-character locator
-// (A-R A-R 0-9 0-9 A-Z A-Z) anywhere in the text is taken before a
-// four-character one; a four-character locator is completed with "??".
-void Find_Locators(ProgramState &state);
+// True when `locator` is WRONG: a Maidenhead locator of 4 or 6 characters
+// is checked by character code (so lower case fails): field A-R, square
+// 0-9, subsquare A-X.
+bool Check_Locator(const QString &locator);
+
+// Finds the locators of the spot: the scratch's upper-cased comment is made
+// from the spot's comment, and the first two locators in it are cut out
+// (each cut is followed by a trim) into locator1 and locator2. A
+// six-character locator (A-R A-R 0-9 0-9 A-Z A-Z) anywhere in the text is
+// taken before a four-character one; a four-character locator is completed
+// with "??".
+void Find_Locators(SpotWork &work);
 
 // Centre of the locator's subsquare in degrees (north and east positive).
 // A locator ending in "??" is first rewritten, in the caller's text, to its
@@ -27,12 +35,15 @@ void Find_Locators(ProgramState &state);
 // RunTimeError(Overflow) for character codes that overflow the 16-bit field
 // arithmetic.
 void Locator_To_LatLon(QString &locator, double &latitude, double &longitude);
+// The same for six characters without the rewrite: a square followed by
+// "??" is read as the square followed by "LL".
+GeoPoint Locator_Position(QStringView locator);
 
 // The six-character locator of a position. Throws RunTimeError(Overflow)
 // for a position that is not a finite number and RunTimeError
 // (InvalidArgument) when a character code falls outside 0-255.
 QString LatLon_To_Locator(double latitude, double longitude);
-// The same, written into `locator`, reusing its storage.
+// The same into `locator`, reusing its storage.
 void LatLon_To_Locator(double latitude, double longitude, QString &locator);
 
 } // namespace zkr

@@ -1,6 +1,6 @@
 #include "ModeMarkers.h"
 
-#include "ProgramState.h"
+#include "SpotWork.h"
 #include "UpperCase.h"
 
 #include <bit>
@@ -100,21 +100,22 @@ qsizetype markerPosition(std::u16string_view comment, const ModeMarkerTest &test
 
 } // namespace
 
-void Find_Mode(ProgramState &state) {
-    state.Spot_Mode = QStringLiteral("??");
-    if (!state.Locator_1.isEmpty() &&
-        QStringView(state.Locator_1).left(4) == QStringView(state.Locator_2).left(4)) {
-        state.Spot_Mode = QStringLiteral("TR");
+void Find_Mode(SpotWork &work) {
+    EvaluatedSpot &spot = work.spot;
+    spot.mode = QStringLiteral("??");
+    if (!spot.locator1.isEmpty() &&
+        QStringView(spot.locator1).left(4) == QStringView(spot.locator2).left(4)) {
+        spot.mode = QStringLiteral("TR");
         return;
     }
-    // Comment_Upper is upper case already unless someone else set it; only
+    // The comment is upper case already unless someone else set it; only
     // then is an upper-cased copy made.
     QString upper;
-    std::u16string_view text = viewOf(state.Comment_Upper);
+    std::u16string_view text = viewOf(work.commentUpper);
     CommentScan scan = scanComment(text);
     const bool copied = scan.mayChangeCase;
     if (copied) {
-        upper = upperCase(state.Comment_Upper);
+        upper = upperCase(work.commentUpper);
         text = viewOf(upper);
         scan = scanComment(text);
     }
@@ -123,11 +124,11 @@ void Find_Mode(ProgramState &state) {
             ModeMarkerTests[static_cast<std::size_t>(std::countr_zero(left))];
         const qsizetype at = markerPosition(text, test);
         if (at >= 0) {
-            state.Spot_Mode = modeText(test.mode);
+            spot.mode = modeText(test.mode);
             if (copied) {
-                state.Comment_Upper = std::move(upper);
+                work.commentUpper = std::move(upper);
             }
-            state.Comment_Upper.remove(at, static_cast<qsizetype>(test.marker.size()));
+            work.commentUpper.remove(at, static_cast<qsizetype>(test.marker.size()));
             return;
         }
     }

@@ -6,7 +6,7 @@
 
 namespace zkr {
 
-struct ProgramState;
+struct SpotWork;
 
 // How a marker must sit in the comment for its test to succeed, and what is
 // cut from the comment when it does.
@@ -94,10 +94,10 @@ inline constexpr std::array<ModeMarkerTest, 63> ModeMarkerTests{{
     {u" MUF2", MarkerKind::Ends, SpotModeKind::MUF},
 }};
 
-// Decides Spot_Mode of the current spot from Locator_1, Locator_2 and the
-// upper-cased Comment_Upper, and cuts the marker found out of Comment_Upper.
+// Decides the spot's mode from its locators and the scratch's upper-cased
+// comment, and cuts the marker found out of that comment.
 // Both locators in one square make the spot "TR" whatever the comment says,
 // and the comment is left alone. No marker gives "??".
-void Find_Mode(ProgramState &state);
+void Find_Mode(SpotWork &work);
 
 } // namespace zkr

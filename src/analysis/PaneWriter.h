@@ -27,6 +27,9 @@ public:
 
 private:
     ResultPanes panes_;
+    // Between beginPage and endPage the spots follow each other downwards,
+    // in the page's order, instead of each going on top.
+    bool pageOpen_ = false;
 };
 
 } // namespace zkr

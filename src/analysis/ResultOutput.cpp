@@ -1,14 +1,13 @@
 #include "ResultOutput.h"
 
-#include "Pane.h"
-#include "ProgramState.h"
+#include "EsPathModel.h"
+#include "EvaluatedSpot.h"
 #include "RunTimeError.h"
-#include "TextFunctions.h"
 
 #include <array>
 #include <cassert>
 #include <cmath>
-#include <limits>
+#include <utility>
 
 namespace zkr {
 
@@ -67,32 +66,50 @@ private:
     qsizetype size_ = 0;
 };
 
+const QString LineEnd = QStringLiteral("\r\n");
+
 // Black, grey when the cloud is below the own horizon, magenta when the
 // field's frequency test holds; the later rule wins.
-std::uint32_t fieldColour(const ProgramState &s, bool magenta) {
+std::uint32_t fieldColour(const EsPath &path, bool magenta) {
     if (magenta) {
-        return Colour_Value(s.Color_Magenta);
+        return Color_Magenta;
     }
-    if (Round_Half_Up(s.OwnMid_Elevation) < 0) {
-        return Colour_Value(s.Color_Grey);
+    if (Round_Half_Up(path.elevation) < 0) {
+        return Color_Grey;
     }
-    return Colour_Value(s.Color_Black);
+    return Color_Black;
 }
 
-bool isDoubtfulEs(const ProgramState &s, long long muf) {
-    const double band = std::floor(static_cast<double>(s.Spot_Frequency));
-    return s.Spot_Mode == QLatin1String("??") || muf > 250 || (band == 144 && muf >= 240) ||
+bool isDoubtfulEs(const EvaluatedSpot &spot, long long muf) {
+    const double band = std::floor(static_cast<double>(spot.frequency));
+    return spot.mode == QLatin1String("??") || muf > 250 || (band == 144 && muf >= 240) ||
            (band == 70 && muf >= 220) || (band == 50 && muf >= 200);
+}
+
+// Room for all four result fields in one run.
+constexpr qsizetype FieldRunCapacity = 64;
+
+// A field joins the field before it when they have one colour: most lines
+// print all four fields in one run, one string.
+void append(EvaluatedSpot &spot, const FieldText &text, std::uint32_t colour) {
+    if (!spot.runs.isEmpty()) {
+        TextRun &last = spot.runs.last();
+        // The raw line's run shares the line's text; a field run is its own.
+        if (last.colour == colour && last.text.isDetached() && last.text != LineEnd) {
+            last.text.append(text.view());
+            return;
+        }
+    }
+    QString field;
+    field.reserve(FieldRunCapacity);
+    field.append(text.view());
+    spot.runs.append(TextRun{std::move(field), colour});
 }
 
 } // namespace
 
-void Print_Colored(Pane &pane, QStringView text, std::uint32_t colour) {
-    pane.insertColored(text, colour);
-}
-
-unsigned Selected_Panes(const ProgramState &state) {
-    const double f = state.Spot_Frequency;
+unsigned Selected_Panes(const EvaluatedSpot &spot) {
+    const double f = spot.frequency;
     unsigned selected = 1U;
     if (f >= 30 && f <= 300) {
         selected |= 1U << 1;
@@ -100,20 +117,10 @@ unsigned Selected_Panes(const ProgramState &state) {
     if (f >= 144 && f <= 148) {
         selected |= 1U << 2;
     }
-    if (state.Spot_Mode == QLatin1String("ES")) {
+    if (spot.mode == QLatin1String("ES")) {
         selected |= 1U << 3;
     }
     return selected;
-}
-
-void Print_ToSelected(const ProgramState &state, const ResultPanes &panes, QStringView text,
-                      std::uint32_t colour) {
-    const unsigned selected = Selected_Panes(state);
-    for (std::size_t i = 0; i < panes.size(); ++i) {
-        if ((selected & (1U << i)) != 0) {
-            Print_Colored(*panes[i], text, colour);
-        }
-    }
 }
 
 long long Round_Half_Up(double x) {
@@ -124,72 +131,54 @@ long long Round_Half_Up(double x) {
     return static_cast<long long>(whole);
 }
 
-std::uint32_t Colour_Value(const QString &text) {
-    bool ok = false;
-    long long value = text.toLongLong(&ok);
-    if (!ok) {
-        const double number = text.toDouble(&ok);
-        if (!ok || !std::isfinite(number)) {
-            throw RunTimeError(RunTimeError::TypeMismatch);
-        }
-        if (std::fabs(number) > 4.0e9) {
-            throw RunTimeError(RunTimeError::Overflow);
-        }
-        value = static_cast<long long>(roundHalfEven(number));
-    }
-    if (value < std::numeric_limits<std::int32_t>::min() ||
-        value > std::numeric_limits<std::int32_t>::max()) {
-        throw RunTimeError(RunTimeError::Overflow);
-    }
-    return static_cast<std::uint32_t>(static_cast<std::int32_t>(value));
-}
-
-void Print_MufField(ProgramState &state, const ResultPanes &panes) {
-    const long long muf = Round_Half_Up(state.Es_MUF);
-    state.Es_Flag = isDoubtfulEs(state, muf) ? QStringLiteral("Es? ") : QStringLiteral("    ");
+void Print_MufField(EvaluatedSpot &spot) {
+    const EsPath &path = *spot.es;
+    const long long muf = Round_Half_Up(path.muf);
     FieldText text;
-    text << QStringView(state.Es_Flag) << QLatin1StringView("MUF=");
+    text << QLatin1StringView(isDoubtfulEs(spot, muf) ? "Es? " : "    ")
+         << QLatin1StringView("MUF=");
     text.padded3(muf) << QLatin1StringView("MHz");
-    Print_ToSelected(state, panes, text.view(), fieldColour(state, muf >= 144));
+    append(spot, text, fieldColour(path, muf >= 144));
 }
 
-void Print_MidSquare(const ProgramState &state, const ResultPanes &panes) {
-    const long long muf = Round_Half_Up(state.Es_MUF);
+void Print_MidSquare(EvaluatedSpot &spot) {
+    const EsPath &path = *spot.es;
+    const long long muf = Round_Half_Up(path.muf);
     FieldText text;
-    text << QLatin1StringView("@") << QStringView(state.Mid_Locator).left(4)
-         << QLatin1StringView(" ");
-    Print_ToSelected(state, panes, text.view(), fieldColour(state, muf >= state.MinFrequency_MHz));
+    text << QLatin1StringView("@") << QStringView(path.cloud).left(4) << QLatin1StringView(" ");
+    append(spot, text, fieldColour(path, muf >= MinFrequency_MHz));
 }
 
-void Print_FotField(const ProgramState &state, const ResultPanes &panes) {
-    const long long ownMuf = Round_Half_Up(state.Own_MUF);
+void Print_FotField(EvaluatedSpot &spot) {
+    const EsPath &path = *spot.es;
+    const long long ownMuf = Round_Half_Up(path.ownMuf);
     FieldText text;
     if (ownMuf > 0) {
         text << QLatin1StringView(" FOT=");
         text.padded3(ownMuf) << QLatin1StringView("MHz");
     } else {
-        text << QLatin1StringView("     ") << QLatin1StringView("   ") << QLatin1StringView("   ");
+        text << QLatin1StringView("           ");
     }
-    Print_ToSelected(state, panes, text.view(), fieldColour(state, ownMuf >= 144));
+    append(spot, text, fieldColour(path, ownMuf >= 144));
 }
 
-void Print_AzField(const ProgramState &state, const ResultPanes &panes) {
-    if (state.OwnMid_Distance < state.Distance_Limit) {
-        const long long ownMuf = Round_Half_Up(state.Own_MUF);
-        const long long elevation = Round_Half_Up(state.OwnMid_Elevation);
+void Print_AzField(EvaluatedSpot &spot) {
+    const EsPath &path = *spot.es;
+    if (path.ownKm < Distance_Limit) {
+        const long long ownMuf = Round_Half_Up(path.ownMuf);
+        const long long elevation = Round_Half_Up(path.elevation);
         FieldText text;
-        text << QLatin1StringView(" -> ") << QStringView(state.Far_Locator).left(4)
+        text << QLatin1StringView(" -> ") << QStringView(path.far).left(4)
              << QLatin1StringView(" AZ=");
-        text.padded3(Round_Half_Up(state.OwnMid_Azimuth)) << QLatin1StringView(" EL=");
+        text.padded3(Round_Half_Up(path.azimuth)) << QLatin1StringView(" EL=");
         text.padded3(elevation);
-        Print_ToSelected(state, panes, text.view(),
-                         fieldColour(state, ownMuf >= 144 && elevation >= 0));
+        append(spot, text, fieldColour(path, ownMuf >= 144 && elevation >= 0));
     }
-    Print_LineEnd(state, panes);
+    Print_LineEnd(spot);
 }
 
-void Print_LineEnd(const ProgramState &state, const ResultPanes &panes) {
-    Print_ToSelected(state, panes, u"\r\n", 0);
+void Print_LineEnd(EvaluatedSpot &spot) {
+    spot.runs.append(TextRun{LineEnd, Color_Black});
 }
 
 } // namespace zkr

@@ -1,26 +1,27 @@
 #pragma once
 
-#include "ResultPanes.h"
-
-#include <cstdint>
+#include <QString>
 
 namespace zkr {
 
-struct ProgramState;
-class Platform;
+struct AnalysisSettings;
+struct EvaluatedSpot;
+struct SpotWork;
 
-// The per-spot pipeline on the current Spot_Line: fields, locators, mode,
-// and the Es path when the comment named two locators. `platform` shows the
-// message about a malformed own locator.
-void Analyse_Spot(ProgramState &state, Platform &platform);
+// The analysis of the spot's line: fields, locators, mode, and the Es path
+// when the comment named two locators. The spot's `es` is set when the path
+// was computed and the spot is an Es spot, or an unmarked one while the
+// settings evaluate all spots.
+void Analyse_Spot(SpotWork &work, const AnalysisSettings &settings);
 
-// Prints the spot line into the panes the spot selects. When one of its
-// locators lies in the own square, the first occurrence of that square in
-// the line is printed in `highlightColour` and the rest in `surroundColour`;
-// otherwise the whole line is in `surroundColour`. On an "ES" spot the
-// free-standing mode words of Spot_Line (" ES ", " ms ", " Eme " ...) are
-// first rewritten to their bracketed forms ("<ES>", "<MS>" ...).
-void Print_RawLine(ProgramState &state, const ResultPanes &panes, std::uint32_t surroundColour,
-                   std::uint32_t highlightColour);
+// Rewrites the free-standing mode words of an Es spot's line (" ES ",
+// " ms ", " Eme " ...) to their bracketed forms ("<ES>", "<MS>" ...), which
+// make the mode stand out. Every replacement has the length of its word.
+void Bracket_ModeWords(QString &line);
+
+// Appends the spot's line to its runs in black. When one of its locators
+// lies in the own square, the first occurrence of that square in the line
+// (compared upper-cased) is in magenta.
+void Print_RawLine(EvaluatedSpot &spot, const AnalysisSettings &settings);
 
 } // namespace zkr

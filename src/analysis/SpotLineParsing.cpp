@@ -1,13 +1,13 @@
 #include "SpotLineParsing.h"
 
-#include "Int16Arithmetic.h"
-#include "ProgramState.h"
 #include "RunTimeError.h"
+#include "SpotEvaluator.h"
 #include "TextFunctions.h"
 
 #include <algorithm>
 #include <cmath>
 #include <limits>
+#include <utility>
 
 namespace zkr {
 
@@ -15,10 +15,9 @@ namespace {
 
 // The trimmed column as a view into the line: one string is made per field,
 // not three.
-QStringView fieldView(const ProgramState &state, int startEntry) {
-    const int start = state.column(startEntry);
-    const int length = state.column(startEntry + 1);
-    QStringView line(state.Spot_Line);
+QStringView fieldView(QStringView line, const ColumnTable &columns, int startEntry) {
+    const int start = columns[static_cast<std::size_t>(startEntry - 1)];
+    const int length = columns[static_cast<std::size_t>(startEntry)];
     if (start < 1 || length <= 0 || start > line.size()) {
         return {};
     }
@@ -32,26 +31,20 @@ QStringView fieldView(const ProgramState &state, int startEntry) {
     return view;
 }
 
-QString field(const ProgramState &state, int startEntry) {
-    return fieldView(state, startEntry).toString();
-}
-
 } // namespace
 
-void Load_ColumnTable(ProgramState &state) {
-    const QString mode = state.RunMode.toUpper();
+ColumnTable Load_ColumnTable(const QString &runMode) {
+    const QString mode = runMode.toUpper();
     if (mode == QLatin1String("WEBCLUSTER")) {
-        state.SpotLine_Columns = WebColumns;
-    } else if (mode == QLatin1String("TELNETCLUSTER") || mode == QLatin1String("FILE")) {
-        state.SpotLine_Columns = ClusterColumns;
-    } else {
-        return;
+        return WebColumns;
     }
-    state.Column_Count = 15;
+    if (mode == QLatin1String("TELNETCLUSTER") || mode == QLatin1String("FILE")) {
+        return ClusterColumns;
+    }
+    return ColumnTable{};
 }
 
-QString Prepare_ClusterLine(const QString &received) {
-    QStringView line(received);
+QString Prepare_ClusterLine(QStringView line) {
     if (line.endsWith(QLatin1String("\r\n"))) {
         line.chop(2);
     }
@@ -64,59 +57,41 @@ QString Prepare_ClusterLine(const QString &received) {
     return line.toString();
 }
 
-void Extract_SpotFields(ProgramState &state) {
-    state.Spot_Spotter = field(state, 1);
-    const double megahertz = leadingNumber(fieldView(state, 3)) / 1000.0;
+QString Clean_SpotLine(QString line) {
+    const std::pair<const char *, const char *> entities[] = {
+        {"&lt;", "<"}, {"&gt;", ">"}, {"&amp;", "&"}, {"&quot;", "\""}};
+    for (const auto &[entity, plain] : entities) {
+        const QLatin1StringView from(entity);
+        const QLatin1StringView to(plain);
+        for (qsizetype at = line.indexOf(from); at >= 0; at = line.indexOf(from)) {
+            line.replace(at, from.size(), to);
+        }
+    }
+    line.remove(QChar(176));
+    const int p = inStr(line, u"<>");
+    if (p > 0) {
+        // The six characters before the "<>" and the "<>" itself become
+        // blanks, so the time and tail columns stay where they were.
+        const int kept = std::max(p - 7, 0);
+        line = left(line, kept) + QString(p + 1 - kept, QLatin1Char(' ')) + mid(line, p + 2);
+    }
+    return line;
+}
+
+void Extract_SpotFields(EvaluatedSpot &spot, const AnalysisSettings &settings) {
+    const ColumnTable &columns = settings.columns;
+    const QStringView line(spot.line);
+    spot.spotter = fieldView(line, columns, 1).toString();
+    const double megahertz = leadingNumber(fieldView(line, columns, 3)) / 1000.0;
     if (std::fabs(megahertz) > std::numeric_limits<float>::max()) {
         throw RunTimeError(RunTimeError::Overflow);
     }
-    state.Spot_Frequency = static_cast<float>(megahertz);
-    state.Spot_DXCall = field(state, 5);
-    state.Spot_Comment = field(state, 7);
-    state.Spot_Time = field(state, 9);
-    state.Spot_Tail1 = field(state, 11);
-    state.Spot_Tail2 = field(state, 13);
-}
-
-void Array_RemoveAt(QStringList &list, std::int16_t index, std::optional<int> last, bool keepSize) {
-    int upper = last.value_or(static_cast<int>(list.size()) - 1);
-    if (upper >= list.size()) {
-        throw RunTimeError(RunTimeError::SubscriptOutOfRange);
-    }
-    if (index < upper) {
-        if (index < 0) {
-            throw RunTimeError(RunTimeError::SubscriptOutOfRange);
-        }
-        // A rotation moves the shared string handles, never the characters.
-        std::rotate(list.begin() + index, list.begin() + index + 1, list.begin() + upper + 1);
-    }
-    if (upper < 0) {
-        return;
-    }
-    if (keepSize) {
-        list[upper] = QString();
-    } else {
-        upper = std::max(upper - 1, 0);
-        list.resize(upper + 1);
-    }
-}
-
-void Trim_SpotLines(ProgramState &state) {
-    state.Busy = true;
-    // Each pass drops SpotLine_Count lines; without a positive count no pass
-    // could shrink the list, so there is nothing to do.
-    while (state.SpotLine_Count > 0 && state.SpotLines.size() - 1 > state.MaxSpotLines) {
-        for (int i = state.SpotLine_Count; i >= 1; --i) {
-            Array_RemoveAt(state.SpotLines, static_cast<std::int16_t>(i),
-                           static_cast<int>(state.SpotLines.size()) - 1);
-        }
-        const std::int16_t upper =
-            toInt16(static_cast<long long>(state.MaxSpotLines) - (state.SpotLine_Count - 1));
-        state.SpotLines.resize(std::max<int>(upper, 0) + 1);
-        state.SpotLine_Count =
-            toInt16(static_cast<long long>(state.MaxSpotLines) - state.SpotLine_Count + 1);
-    }
-    state.Busy = false;
+    spot.frequency = static_cast<float>(megahertz);
+    spot.dxCall = fieldView(line, columns, 5).toString();
+    spot.comment = fieldView(line, columns, 7).toString();
+    spot.time = fieldView(line, columns, 9).toString();
+    spot.tail1 = fieldView(line, columns, 11).toString();
+    spot.tail2 = fieldView(line, columns, 13).toString();
 }
 
 } // namespace zkr

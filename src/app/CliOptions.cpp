@@ -1,7 +1,6 @@
 #include "CliOptions.h"
 
 #include "Locators.h"
-#include "ProgramState.h"
 
 #include <QCommandLineParser>
 
@@ -10,20 +9,26 @@ namespace zkr {
 QString cliUsage() {
     return QStringLiteral(
         "Usage: zkr_muf_cli --locator LOC [--call CALL] [--es-only] [--over144] [--eval-all]\n"
-        "                   [--web] [--json] [FILE]\n"
+        "                   [--web] [--json | --jsonl] [FILE]\n"
+        "       zkr_muf_cli --locator LOC --call CALL --cluster HOST:PORT [--seconds N]\n"
+        "                   [--es-only] [--over144] [--eval-all] [--json | --jsonl]\n"
         "\n"
         "Replays recorded DX-cluster text (FILE, or standard input when FILE is missing\n"
-        "or \"-\") line by line, evaluates the spots for sporadic-E propagation and prints\n"
-        "the panes All, VHF, 2m and Es, newest spot first.\n"
+        "or \"-\"), or listens to a live cluster, evaluates the spots for sporadic-E\n"
+        "propagation and prints the panes All, VHF, 2m and Es, newest spot first.\n"
         "\n"
-        "  --locator LOC  own Maidenhead locator (6 characters), required\n"
-        "  --call CALL    own call sign, answered to a \"login:\" line (default NOCALL)\n"
-        "  --es-only      print Es spots only\n"
-        "  --over144      print spots of 144 MHz and above only\n"
-        "  --eval-all     also compute spots that carry no mode marker\n"
-        "  --web          FILE is a downloaded web spot page, not cluster text\n"
-        "  --json         print the panes as JSON, with the colour of every segment\n"
-        "  -h, --help     print this help\n"
+        "  --locator LOC        own Maidenhead locator (6 characters), required\n"
+        "  --call CALL          own call sign, the login at the cluster (default NOCALL)\n"
+        "  --cluster HOST:PORT  log into this telnet cluster and stay, reconnecting after\n"
+        "                       a drop, until --seconds have passed or SIGINT/SIGTERM\n"
+        "  --seconds N          with --cluster: stop after N seconds\n"
+        "  --es-only            print Es spots only\n"
+        "  --over144            print spots of 144 MHz and above only\n"
+        "  --eval-all           also compute spots that carry no mode marker\n"
+        "  --web                FILE is a downloaded web spot page, not cluster text\n"
+        "  --json               print the panes as JSON, with the colour of every segment\n"
+        "  --jsonl              print one JSON object per spot as soon as it is evaluated\n"
+        "  -h, --help           print this help\n"
         "\n"
         "Exit status: 0 on success, 2 for bad arguments or an unreadable FILE.\n");
 }
@@ -36,11 +41,16 @@ std::variant<CliOptions, QString> parseCliOptions(const QStringList &arguments) 
     const QCommandLineOption evalAll(QStringLiteral("eval-all"));
     const QCommandLineOption web(QStringLiteral("web"));
     const QCommandLineOption json(QStringLiteral("json"));
+    const QCommandLineOption jsonLines(QStringLiteral("jsonl"));
+    const QCommandLineOption cluster(QStringLiteral("cluster"), QString(),
+                                     QStringLiteral("HOST:PORT"));
+    const QCommandLineOption seconds(QStringLiteral("seconds"), QString(), QStringLiteral("N"));
     const QCommandLineOption help(QStringList{QStringLiteral("h"), QStringLiteral("help")});
 
     QCommandLineParser parser;
     parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
-    parser.addOptions({locator, call, esOnly, over144, evalAll, web, json, help});
+    parser.addOptions(
+        {locator, call, esOnly, over144, evalAll, web, json, jsonLines, cluster, seconds, help});
     if (!parser.parse(arguments)) {
         return parser.errorText();
     }
@@ -62,8 +72,7 @@ std::variant<CliOptions, QString> parseCliOptions(const QStringList &arguments) 
     }
     // Locators are kept upper-case; the check itself takes upper case only.
     options.ownLocator = parser.value(locator).toUpper();
-    ProgramState scratch;
-    if (Check_Locator(scratch, options.ownLocator)) {
+    if (Check_Locator(options.ownLocator)) {
         return QStringLiteral("\"%1\" is not a Maidenhead locator (e.g. JO62QM)")
             .arg(parser.value(locator));
     }
@@ -84,6 +93,38 @@ std::variant<CliOptions, QString> parseCliOptions(const QStringList &arguments) 
     options.evalAll = parser.isSet(evalAll);
     options.webPage = parser.isSet(web);
     options.json = parser.isSet(json);
+    options.jsonLines = parser.isSet(jsonLines);
+    if (options.json && options.jsonLines) {
+        return QStringLiteral("--json and --jsonl exclude each other");
+    }
+    if (parser.isSet(seconds)) {
+        bool ok = false;
+        options.seconds = parser.value(seconds).toInt(&ok);
+        if (!ok || options.seconds <= 0) {
+            return QStringLiteral("--seconds needs a positive whole number, not \"%1\"")
+                .arg(parser.value(seconds));
+        }
+        if (!parser.isSet(cluster)) {
+            return QStringLiteral("--seconds goes with --cluster");
+        }
+    }
+    if (parser.isSet(cluster)) {
+        const QString target = parser.value(cluster);
+        const qsizetype colon = target.lastIndexOf(QLatin1Char(':'));
+        bool ok = false;
+        const int port = colon > 0 ? target.mid(colon + 1).toInt(&ok) : 0;
+        if (!ok || port <= 0 || port > 65535) {
+            return QStringLiteral("--cluster needs HOST:PORT, not \"%1\"").arg(target);
+        }
+        options.clusterHost = target.left(colon);
+        options.clusterPort = static_cast<quint16>(port);
+        if (options.webPage || !files.isEmpty()) {
+            return QStringLiteral("--cluster takes no FILE and no --web");
+        }
+        if (!parser.isSet(call)) {
+            return QStringLiteral("--cluster needs the own call sign to log in: --call CALL");
+        }
+    }
     return options;
 }
 

@@ -16,8 +16,14 @@ struct CliOptions {
     bool evalAll = false;
     bool webPage = false;
     bool json = false;
+    bool jsonLines = false; // one object per evaluated spot, as it is evaluated
     bool help = false;
     QString fileName; // "" for standard input
+    // A live cluster instead of a file: host and port, and how long to stay
+    // (0: until SIGINT or SIGTERM).
+    QString clusterHost;
+    quint16 clusterPort = 0;
+    int seconds = 0;
 };
 
 // Reads the tool's command line (program name first). Returns the options,

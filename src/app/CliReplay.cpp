@@ -1,41 +1,68 @@
 #include "CliReplay.h"
 
-#include "RunModes.h"
-#include "SpotFileReplay.h"
-#include "TelnetReceive.h"
-
 #include "CliOptions.h"
-#include "EvaluationCycle.h"
-#include "HeadlessStartupWindow.h"
-#include "ResultOutput.h"
-#include "RunTimeError.h"
+#include "ClusterSession.h"
+#include "FileReplay.h"
+#include "PaneOutput.h"
+#include "RunModes.h"
 #include "SpotLineParsing.h"
 #include "SpotPage.h"
-#include "Startup.h"
 
+#include <QEventLoop>
+#include <QFileDevice>
 #include <QIODevice>
+#include <QTimer>
+
+#include <cstdio>
 
 namespace zkr {
 
-CliReplay::CliReplay(const CliOptions &options)
-    : over144Only_(options.over144Only), esSpotsOnly_(options.esSpotsOnly) {
-    const QString mode = options.webPage ? WebMode : FileMode;
-    state_.RunMode = mode;
-    HeadlessStartupWindow window(state_, options.ownCall, options.ownLocator);
-    Form_Load(state_, platform_, window);
-    // The mode is the tool's choice: an own call that happens to be one of
-    // the mode markers must not switch the column table.
-    state_.RunMode = mode;
-    Load_ColumnTable(state_);
-    state_.Eval_Flag = options.evalAll;
+CliReplay::CliReplay(const CliOptions &options, QFileDevice *spotsOut)
+    : options_(options), spotsOut_(spotsOut),
+      writer_({&panes_[0], &panes_[1], &panes_[2], &panes_[3]}) {
+    AnalysisSettings settings;
+    settings.ownLocator = options.ownLocator;
+    settings.columns = Load_ColumnTable(options.webPage ? WebMode : FileMode);
+    settings.evalAll = options.evalAll;
+    settings.over144Only = options.over144Only;
+    settings.esSpotsOnly = options.esSpotsOnly;
+    pipeline_.setSettings(settings);
+
+    connectFeed(feed_);
+    connect(&pipeline_, &SpotPipeline::spotEvaluated, this, &CliReplay::onSpot);
+    connect(&pipeline_, &SpotPipeline::pageStarted, this, [this] { writer_.beginPage(); });
+    connect(&pipeline_, &SpotPipeline::pageFinished, this, [this](unsigned panesWithEs) {
+        writer_.endPage(panesWithEs);
+        refreshDisplay();
+    });
 }
 
-Pane &CliReplay::workingPane(int index) {
-    return panes_.at(static_cast<std::size_t>(index));
+CliReplay::~CliReplay() = default;
+
+void CliReplay::connectFeed(ClusterFeed &feed) {
+    connect(&feed, &ClusterFeed::spotLine, &pipeline_, &SpotPipeline::evaluateClusterLine);
+    connect(&feed, &ClusterFeed::promptBlock, this, [this](const QString &block) {
+        writer_.writePrompt(block);
+        refreshDisplay();
+    });
 }
 
-void CliReplay::evaluateClusterLine() {
-    Evaluate_ClusterLine(state_, platform_, working_, *this);
+void CliReplay::onSpot(const EvaluatedSpot &spot) {
+    writer_.writeSpot(spot);
+    // Committed spot by spot: a pane's new text is built at its top.
+    refreshDisplay();
+    if (!spot.error.isEmpty() && !messages_.contains(spot.error)) {
+        messages_.append(spot.error);
+    }
+    if (spotsOut_ != nullptr) {
+        QByteArray line;
+        Write_SpotJson(line, spot);
+        line += '\n';
+        spotsOut_->write(line);
+        if (session_ != nullptr) {
+            spotsOut_->flush(); // a live spot is news: hand it on at once
+        }
+    }
 }
 
 void CliReplay::refreshDisplay() {
@@ -44,40 +71,45 @@ void CliReplay::refreshDisplay() {
     }
 }
 
-long long CliReplay::replayClusterText(QIODevice &input) {
-    try {
-        return SpotFileReplay::replayDevice(input, state_, *this);
-    } catch (const RunTimeError &error) {
-        reportRunTimeError(platform_, error);
-    }
-    return 0;
-}
-
-void CliReplay::receiveChunk(const QString &text) {
-    state_.Telnet_Text = text;
-    try {
-        Telnet_Receive(state_, *this);
-    } catch (const RunTimeError &error) {
-        reportRunTimeError(platform_, error);
-    }
+qint64 CliReplay::replayClusterText(QIODevice &input) {
+    return FileReplay::replayAll(input, feed_);
 }
 
 void CliReplay::evaluateSpotPage(QIODevice &input) {
     const QString page = QString::fromLatin1(input.readAll());
-    try {
-        if (Is_ErrorPage(page)) {
-            const std::uint32_t black = Colour_Value(state_.Color_Black);
-            for (MemoryPane &pane : panes_) {
-                Print_Colored(pane, QStringLiteral("The Webserver may be down !"), black);
-            }
-            refreshDisplay();
-            return;
-        }
-        state_.FirstFetch = false;
-        state_.SpotPage_Previous = page;
-        Evaluate_SpotLines(state_, platform_, working_, *this, Split_SpotPage(Strip_Tags(page)));
-    } catch (const RunTimeError &error) {
-        reportRunTimeError(platform_, error);
+    if (Is_ErrorPage(page)) {
+        writer_.writeNotice(QStringLiteral("The Webserver may be down !"));
+        refreshDisplay();
+        return;
+    }
+    pipeline_.evaluatePage(Split_SpotPage(Strip_Tags(page)));
+}
+
+void CliReplay::runLive(int seconds) {
+    ClusterSession session;
+    session_ = &session;
+    connectFeed(session.feed());
+    connect(&session, &ClusterSession::statusChanged, this,
+            [](ClusterSession::State, const QString &text) {
+                const QByteArray line = text.trimmed().toUtf8() + '\n';
+                std::fwrite(line.constData(), 1, static_cast<std::size_t>(line.size()), stderr);
+            });
+    QEventLoop loop;
+    liveLoop_ = &loop;
+    if (seconds > 0) {
+        QTimer::singleShot(seconds * 1000, &loop, &QEventLoop::quit);
+    }
+    session.start(options_.clusterHost, options_.clusterHost, options_.clusterPort,
+                  options_.ownCall);
+    loop.exec();
+    session.stop();
+    session_ = nullptr;
+    liveLoop_ = nullptr;
+}
+
+void CliReplay::stopLive() {
+    if (liveLoop_ != nullptr) {
+        liveLoop_->quit();
     }
 }
 

@@ -3,6 +3,7 @@
 #include <QIODevice>
 
 #include <algorithm>
+#include <cmath>
 #include <vector>
 
 namespace zkr {
@@ -127,7 +128,96 @@ void lineSegments(const PaneLine &line, std::vector<Segment> &segments) {
     }
 }
 
+// `value` rounded to `decimals` places, printed without trailing zeros.
+void appendNumber(QByteArray &out, double value, int decimals) {
+    const double scale = std::pow(10.0, decimals);
+    const double rounded = std::round(value * scale) / scale;
+    out += QByteArray::number(rounded == 0 ? 0.0 : rounded, 'g', 15);
+}
+
+void appendField(QByteArray &out, const char *name, QStringView text) {
+    out += ",\"";
+    out += name;
+    out += "\":";
+    appendJsonString(out, text);
+}
+
+void appendNumberField(QByteArray &out, const char *name, double value, int decimals) {
+    out += ",\"";
+    out += name;
+    out += "\":";
+    appendNumber(out, value, decimals);
+}
+
 } // namespace
+
+void Write_SpotJson(QByteArray &out, const EvaluatedSpot &spot) {
+    out += "{\"time\":";
+    appendJsonString(out, spot.time);
+    QStringView spotter(spot.spotter);
+    if (spotter.endsWith(QLatin1Char(':'))) {
+        spotter.chop(1); // the cluster's separator, not part of the call
+    }
+    appendField(out, "spotter", spotter);
+    appendNumberField(out, "frequency_mhz", spot.frequency, 4);
+    appendField(out, "dx", spot.dxCall);
+    appendField(out, "comment", spot.comment);
+    appendField(out, "mode", spot.mode);
+    out += ",\"locators\":[";
+    bool first = true;
+    for (const QString *locator : {&spot.locator1, &spot.locator2}) {
+        if (!locator->isEmpty()) {
+            out += first ? "" : ",";
+            appendJsonString(out, *locator);
+            first = false;
+        }
+    }
+    out += "],\"es\":";
+    if (spot.es) {
+        const EsPath &es = *spot.es;
+        out += "{\"cloud\":";
+        appendJsonString(out, es.cloud);
+        appendNumberField(out, "muf_mhz", es.muf, 1);
+        appendNumberField(out, "critical_mhz", es.critical, 1);
+        appendNumberField(out, "own_muf_mhz", es.ownMuf, 1);
+        appendNumberField(out, "azimuth", es.azimuth, 1);
+        appendNumberField(out, "elevation", es.elevation, 1);
+        appendField(out, "far", es.far);
+        appendNumberField(out, "path_km", es.pathKm, 0);
+        appendNumberField(out, "own_km", es.ownKm, 0);
+        out += '}';
+    } else {
+        out += "null";
+    }
+    out += ",\"panes\":[";
+    first = true;
+    for (std::size_t i = 0; i < PaneNames.size(); ++i) {
+        if ((spot.panes & (1U << i)) != 0) {
+            out += first ? "\"" : ",\"";
+            out += PaneNames[i];
+            out += '"';
+            first = false;
+        }
+    }
+    out += "],\"runs\":[";
+    first = true;
+    for (const TextRun &run : spot.runs) {
+        if (run.text.isEmpty() || run.text == QLatin1String("\r\n")) {
+            continue;
+        }
+        out += first ? "[" : ",[";
+        appendJsonString(out, run.text);
+        out += ",\"";
+        appendHtmlColour(out, run.colour);
+        out += "\"]";
+        first = false;
+    }
+    out += ']';
+    if (!spot.error.isEmpty()) {
+        appendField(out, "error", spot.error);
+    }
+    out += '}';
+}
 
 void Write_PanesText(QIODevice &out, const std::array<MemoryPane, 4> &panes) {
     ChunkedWriter writer(out);

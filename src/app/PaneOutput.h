@@ -1,5 +1,6 @@
 #pragma once
 
+#include "EvaluatedSpot.h"
 #include "MemoryPane.h"
 
 #include <QString>
@@ -24,5 +25,12 @@ void Write_PanesText(QIODevice &out, const std::array<MemoryPane, 4> &panes);
 // empty ones left out. UTF-8.
 void Write_PanesJson(QIODevice &out, const std::array<MemoryPane, 4> &panes,
                      const QStringList &messages);
+
+// Appends one evaluated spot as a JSON object on one line (no line end):
+// time, spotter, frequency_mhz, dx, comment, mode, locators, es (null or
+// cloud, muf_mhz, critical_mhz, own_muf_mhz, azimuth, elevation, far,
+// path_km, own_km), panes, runs ([text, "#RRGGBB"] pairs without the line
+// end) and, when the evaluation stopped early, error. UTF-8.
+void Write_SpotJson(QByteArray &out, const EvaluatedSpot &spot);
 
 } // namespace zkr

@@ -1,5 +1,6 @@
-// zkr_muf_cli: replays recorded cluster text (or a downloaded web spot page)
-// through the program's own evaluation and prints the four panes.
+// zkr_muf_cli: evaluates recorded cluster text, a downloaded web spot page or
+// a live cluster through the program's own feed and evaluation, and prints
+// the four panes (text or JSON) or every spot as a JSON line.
 
 #include "CliOptions.h"
 #include "CliReplay.h"
@@ -7,13 +8,24 @@
 
 #include <QCoreApplication>
 #include <QFile>
+#include <QSocketNotifier>
 
+#include <csignal>
 #include <cstdio>
+#include <unistd.h>
 #include <variant>
 
 namespace {
 
 constexpr int BadArguments = 2;
+
+int signalPipe[2] = {-1, -1};
+
+void onSignal(int) {
+    const char byte = 1;
+    // Only async-signal-safe work here: the event loop reads the pipe.
+    [[maybe_unused]] const ssize_t written = ::write(signalPipe[1], &byte, 1);
+}
 
 void printTo(std::FILE *stream, const QString &text) {
     const QByteArray bytes = text.toUtf8();
@@ -24,6 +36,24 @@ int fail(const QString &message) {
     printTo(stderr, QStringLiteral("zkr_muf_cli: ") + message +
                         QStringLiteral("\nTry 'zkr_muf_cli --help' for more information.\n"));
     return BadArguments;
+}
+
+// SIGINT and SIGTERM end a live run the ordinary way: panes printed.
+void stopOnSignals(zkr::CliReplay &run, QObject *owner) {
+    if (::pipe(signalPipe) != 0) {
+        return;
+    }
+    auto *notifier = new QSocketNotifier(signalPipe[0], QSocketNotifier::Read, owner);
+    QObject::connect(notifier, &QSocketNotifier::activated, owner, [&run] {
+        char byte = 0;
+        [[maybe_unused]] const ssize_t got = ::read(signalPipe[0], &byte, 1);
+        run.stopLive();
+    });
+    struct sigaction action {};
+    action.sa_handler = onSignal;
+    sigemptyset(&action.sa_mask);
+    sigaction(SIGINT, &action, nullptr);
+    sigaction(SIGTERM, &action, nullptr);
 }
 
 } // namespace
@@ -40,37 +70,41 @@ int main(int argc, char *argv[]) {
         return 0;
     }
 
-    QFile input;
-    const bool opened = options.fileName.isEmpty() ? input.open(stdin, QIODevice::ReadOnly)
-                                                   : (input.setFileName(options.fileName),
-                                                      input.open(QIODevice::ReadOnly));
-    if (!opened) {
-        return fail(QStringLiteral("cannot read \"%1\": %2")
-                        .arg(options.fileName.isEmpty() ? QStringLiteral("standard input")
-                                                        : options.fileName,
-                             input.errorString()));
-    }
-
-    zkr::CliReplay run(options);
-    if (options.webPage) {
-        run.evaluateSpotPage(input);
-    } else {
-        run.replayClusterText(input);
-    }
-    if (input.error() != QFileDevice::NoError) {
-        return fail(
-            QStringLiteral("reading \"%1\" failed: %2").arg(options.fileName, input.errorString()));
-    }
-    // What went into the panes after the last refresh shows as well.
-    run.refreshDisplay();
-
     QFile out;
     if (!out.open(stdout, QIODevice::WriteOnly)) {
         return fail(QStringLiteral("cannot write to standard output"));
     }
+    const bool live = !options.clusterHost.isEmpty();
+    zkr::CliReplay run(options, options.jsonLines ? &out : nullptr);
+    if (live) {
+        stopOnSignals(run, &app);
+        run.runLive(options.seconds);
+    } else {
+        QFile input;
+        const bool opened = options.fileName.isEmpty()
+                                ? input.open(stdin, QIODevice::ReadOnly)
+                                : (input.setFileName(options.fileName),
+                                   input.open(QIODevice::ReadOnly));
+        if (!opened) {
+            return fail(QStringLiteral("cannot read \"%1\": %2")
+                            .arg(options.fileName.isEmpty() ? QStringLiteral("standard input")
+                                                            : options.fileName,
+                                 input.errorString()));
+        }
+        if (options.webPage) {
+            run.evaluateSpotPage(input);
+        } else {
+            run.replayClusterText(input);
+        }
+        if (input.error() != QFileDevice::NoError) {
+            return fail(QStringLiteral("reading \"%1\" failed: %2")
+                            .arg(options.fileName, input.errorString()));
+        }
+    }
+    run.refreshDisplay();
     if (options.json) {
         zkr::Write_PanesJson(out, run.panes(), run.messages());
-    } else {
+    } else if (!options.jsonLines) {
         zkr::Write_PanesText(out, run.panes());
     }
     out.close();

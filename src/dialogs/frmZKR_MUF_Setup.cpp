@@ -282,7 +282,7 @@ void frmZKR_MUF_Setup::Command_SaveConfig_Click() {
     // A wrong locator stops the save; the timer stays off and Busy set
     // until a save succeeds, so nothing runs on the wrong position.
     state_.OwnLocator = text_Locator_->text().toUpper();
-    state_.Locator_Invalid = Check_Locator(state_, state_.OwnLocator);
+    state_.Locator_Invalid = Check_Locator(state_.OwnLocator);
     if (state_.Locator_Invalid) {
         platform_.beep(800, 200);
         MsgBox_Pos(platform_);
@@ -315,7 +315,6 @@ void frmZKR_MUF_Setup::Command_SaveConfig_Click() {
         Ini_Write(QStringLiteral("Call"), QStringLiteral("OwnCall"), state_.OwnCall,
                   state_.IniFilePath);
         hide();
-        Load_ColumnTable(state_);
         host_.layoutForRunMode(true);
         host_.Replay_SpotFile();
         // The replay is over when it returns.
@@ -334,7 +333,6 @@ void frmZKR_MUF_Setup::Command_SaveConfig_Click() {
     platform_.processEvents();
     state_.Web_Offline = false;
     state_.SpotPage_Previous.clear();
-    Load_ColumnTable(state_);
     if (state_.RunMode == WebMode) {
         host_.hideConsole();
         host_.layoutForRunMode(true);

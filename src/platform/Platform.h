@@ -71,8 +71,6 @@ public:
     virtual bool openUrl(const QString &url) = 0;
     // Lets pending window, timer and network events run once.
     virtual void processEvents() = 0;
-    // Blocks the program for the given time, as the original did after sends.
-    virtual void sleep(int milliseconds) = 0;
     virtual void clearClipboard() = 0;
     virtual void setClipboardText(const QString &text) = 0;
     // The value of an environment variable, "" when missing.

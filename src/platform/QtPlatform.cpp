@@ -13,7 +13,6 @@
 #include <QPointer>
 #include <QPushButton>
 #include <QScreen>
-#include <QThread>
 #include <QUrl>
 
 #include <cstdio>
@@ -249,10 +248,6 @@ bool QtPlatform::openUrl(const QString &url) {
 
 void QtPlatform::processEvents() {
     QCoreApplication::processEvents();
-}
-
-void QtPlatform::sleep(int milliseconds) {
-    QThread::msleep(static_cast<unsigned long>(milliseconds));
 }
 
 void QtPlatform::clearClipboard() {

@@ -19,7 +19,6 @@ public:
     QString openFileDialog(const FileDialogRequest &request) override;
     bool openUrl(const QString &url) override;
     void processEvents() override;
-    void sleep(int milliseconds) override;
     void clearClipboard() override;
     void setClipboardText(const QString &text) override;
     QString environmentValue(const QString &name) override;

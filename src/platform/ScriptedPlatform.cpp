@@ -83,10 +83,6 @@ bool ScriptedPlatform::openUrl(const QString &url) {
     return openUrlResult_;
 }
 
-void ScriptedPlatform::sleep(int milliseconds) {
-    log_.append(QStringLiteral("sleep %1").arg(milliseconds));
-}
-
 void ScriptedPlatform::clearClipboard() {
     clipboard_.clear();
 }

@@ -126,7 +126,7 @@ void SettingsFile::Create_Settings() {
         } else {
             state_.OwnLocator = answer->toUpper();
         }
-        state_.Locator_Invalid = Check_Locator(state_, state_.OwnLocator);
+        state_.Locator_Invalid = Check_Locator(state_.OwnLocator);
         if (state_.Locator_Invalid) {
             platform_.beep(800, 200);
         }

@@ -1,12 +1,12 @@
 #include "SpotSources.h"
 
-#include "EvaluationCycle.h"
 #include "MsgBox_Pos.h"
 #include "PaneView.h"
 #include "Platform.h"
 #include "ProgramState.h"
-#include "ResultOutput.h"
+#include "RunModes.h"
 #include "RunTimeError.h"
+#include "SpotLineParsing.h"
 #include "SpotPage.h"
 #include "frmZKR_MUF.h"
 
@@ -14,32 +14,283 @@
 
 namespace zkr {
 
-SpotSources::SpotSources(ProgramState &state, Platform &platform, frmZKR_MUF &window)
-    : state_(state), platform_(platform), window_(window), session_(state, platform, *this) {
-    // The console record starts as the empty elements 0 to 10, like the
-    // program's other line stores; the first received chunk becomes 1.
-    if (state_.Console_Lines.isEmpty()) {
-        state_.Console_Lines.resize(11);
-    }
-    session_.setReceiveHost(this);
-    web_.setCaptionHandler([this](const QString &caption) { window_.showWorkLabel(caption); });
-    web_.setFailureHandler([this](int) {
-        MsgBox_Timed(state_, platform_, window_);
-        state_.FirstFetch = true;
-        state_.Web_Offline = true;
-        window_.showWorkLabel(QStringLiteral("OFFLINE !"));
-        platform_.processEvents();
-    });
+namespace {
+
+constexpr std::uint32_t White = 0xFFFFFF;
+constexpr std::uint32_t Red = 0x0000FF;
+constexpr std::uint32_t Green = 0x00FF00;
+constexpr std::uint32_t Yellow = 0x00FFFF;
+
+const QString ConnectError = QStringLiteral(
+    "Telnet_Error, can't connect. Make sure host and port are correct or even if host exists. "
+    "Check firewall settings and your Call in setup.");
+
+ResultPanes workingPanes(frmZKR_MUF &window) {
+    return {&window.workingPane(0), &window.workingPane(1), &window.workingPane(2),
+            &window.workingPane(3)};
 }
 
-ResultPanes SpotSources::workingPanes() {
-    return {&window_.workingPane(0), &window_.workingPane(1), &window_.workingPane(2),
-            &window_.workingPane(3)};
+} // namespace
+
+SpotSources::SpotSources(ProgramState &state, Platform &platform, frmZKR_MUF &window)
+    : state_(state), platform_(platform), window_(window), writer_(workingPanes(window)) {
+    // The record starts as the empty element 0; the first chunk becomes 1.
+    if (state_.Console_Lines.isEmpty()) {
+        state_.Console_Lines.append(QString());
+    }
+    connectFeed(session_.feed());
+    connectFeed(fileFeed_);
+    connect(&pipeline_, &SpotPipeline::spotEvaluated, this, &SpotSources::onSpot);
+    connect(&pipeline_, &SpotPipeline::pageStarted, this, [this] { writer_.beginPage(); });
+    connect(&pipeline_, &SpotPipeline::pageFinished, this, [this](unsigned panesWithEs) {
+        writer_.endPage(panesWithEs);
+        window_.refreshPanes();
+    });
+    connect(&session_, &ClusterSession::statusChanged, this, &SpotSources::onSessionStatus);
+    connect(&session_, &ClusterSession::attemptFailed, this, &SpotSources::onAttemptFailed);
+    connect(&session_, &ClusterSession::textReceived, this, [this](const QString &text) {
+        record(text);
+        if (console_ != nullptr) {
+            console_->appendRecord(text);
+        }
+    });
+    connect(&replay_, &FileReplay::finished, this, [this] { fileFeed_.finish(); });
+    connect(&web_, &WebClient::progress, this,
+            [this](const QString &caption) { window_.showWorkLabel(caption); });
+    connect(&web_, &WebClient::fetched, this, &SpotSources::onPage);
+    connect(&web_, &WebClient::failed, this, &SpotSources::onPageFailed);
+    // The update check's own failure: the warning, but the spot source stays
+    // as it is.
+    connect(&updateWeb_, &WebClient::failed, this,
+            [this] { MsgBox_Timed(state_, platform_, window_); });
 }
+
+SpotSources::~SpotSources() {
+    // The session must not report to a window that is going away.
+    disconnect(&session_, nullptr, this, nullptr);
+    session_.stop();
+}
+
+void SpotSources::connectFeed(ClusterFeed &feed) {
+    connect(&feed, &ClusterFeed::spotLine, this, &SpotSources::onSpotLine);
+    connect(&feed, &ClusterFeed::promptBlock, this, &SpotSources::onPrompt);
+}
+
+void SpotSources::applyAnalysisSettings() {
+    AnalysisSettings settings;
+    settings.ownLocator = state_.OwnLocator.toUpper();
+    settings.columns = Load_ColumnTable(state_.RunMode);
+    settings.evalAll = state_.Eval_Flag;
+    settings.over144Only = window_.over144Only();
+    settings.esSpotsOnly = window_.esSpotsOnly();
+    settings.settingsFileName = state_.IniFileName;
+    pipeline_.setSettings(settings);
+}
+
+// --- Telnet cluster ---
 
 void SpotSources::Telnet_Connect() {
-    session_.Telnet_Connect();
+    bool ok = false;
+    const int port = state_.Telnet_Port.trimmed().toInt(&ok);
+    applyAnalysisSettings();
+    FrmTelnet &window = console();
+    window.setFields(state_.Telnet_Host, state_.Telnet_Port, state_.OwnCall);
+    // Loads the console without showing it; a shown one goes to the task bar.
+    window.setWindowState(window.windowState() | Qt::WindowMinimized);
+    if (!ok || port <= 0 || port > 65535) {
+        // A port that is no number cannot even be tried.
+        session_.stop();
+        platform_.beep(800, 200);
+        platform_.armBoxPlacement(std::nullopt);
+        platform_.messageBox(ConnectError, MsgButtons::Information, QStringLiteral("Attention!"));
+        return;
+    }
+    // The user asked for this connection: its first failure deserves a box,
+    // the retries that follow only the status label.
+    reportFailure_ = true;
+    session_.start(state_.Telnet_Call, state_.Telnet_Host, static_cast<quint16>(port),
+                   state_.OwnCall);
 }
+
+void SpotSources::closeSession() {
+    reportFailure_ = false;
+    session_.stop();
+}
+
+void SpotSources::retryNow() {
+    if (session_.state() == ClusterSession::State::Idle) {
+        Telnet_Connect();
+    } else {
+        session_.retryNow();
+    }
+}
+
+void SpotSources::onSessionStatus(ClusterSession::State state, const QString &text) {
+    using State = ClusterSession::State;
+    const bool up = state == State::Connected || state == State::LoggedIn;
+    if (up) {
+        reportFailure_ = false;
+    }
+    if (up != state_.Telnet_Connected) {
+        state_.Telnet_Connected = up;
+        console().setConnectionState(up ? QStringLiteral(" Connected")
+                                        : QStringLiteral("not connected"),
+                                     up ? Green : Red);
+    }
+    const std::uint32_t colour = state == State::LoggedIn ? Yellow
+                                 : state == State::Connecting || state == State::Connected
+                                     ? White
+                                     : Red;
+    window_.setStatusLabel(state == State::Idle ? NotConnectedText : text, colour);
+}
+
+void SpotSources::onAttemptFailed() {
+    if (!reportFailure_) {
+        return;
+    }
+    reportFailure_ = false;
+    platform_.beep(800, 200);
+    platform_.armBoxPlacement(std::nullopt);
+    platform_.messageBox(ConnectError, MsgButtons::Information, QStringLiteral("Attention!"));
+}
+
+void SpotSources::sendData(const QString &text) {
+    session_.send(text);
+}
+
+void SpotSources::record(const QString &chunk) {
+    QStringList &lines = state_.Console_Lines;
+    if (lines.size() - 1 >= ConsoleRecordLimit || recordChars_ + chunk.size() > ConsoleRecordChars) {
+        // Drop the oldest chunks until a tenth of both limits is free, so the
+        // record costs the same per chunk in a run of any length.
+        qsizetype drop = 0;
+        qsizetype freed = 0;
+        while (drop < lines.size() - 1 &&
+               (lines.size() - 1 - drop > ConsoleRecordLimit * 9 / 10 ||
+                recordChars_ - freed + chunk.size() > ConsoleRecordChars * 9 / 10)) {
+            freed += lines.at(1 + drop).size();
+            ++drop;
+        }
+        lines.remove(1, drop);
+        recordChars_ -= freed;
+    }
+    lines.append(chunk);
+    recordChars_ += chunk.size();
+}
+
+// --- The road of a spot ---
+
+void SpotSources::onSpotLine(const QString &line) {
+    recentLines_.push_back(line);
+    if (recentLines_.size() > MaxSpotLines) {
+        recentLines_.pop_front();
+    }
+    pipeline_.evaluateClusterLine(line);
+}
+
+void SpotSources::onSpot(const EvaluatedSpot &spot) {
+    writer_.writeSpot(spot);
+    window_.refreshPanes();
+    if (console_ != nullptr) {
+        console_->setDataField(spot.line);
+    }
+    if (!spot.error.isEmpty() && spot.error != lastReportedError_) {
+        // Once per kind of fault: a flood of the same fault is one report.
+        lastReportedError_ = spot.error;
+        platform_.beep(800, 200);
+        platform_.armBoxPlacement(std::nullopt);
+        platform_.messageBox(spot.error, MsgButtons::OkOnly, QStringLiteral("ZKR_MUF"));
+    }
+}
+
+void SpotSources::onPrompt(const QString &block) {
+    writer_.writePrompt(block);
+    window_.refreshPanes();
+}
+
+void SpotSources::reevaluateRecent() {
+    applyAnalysisSettings();
+    // Rebuilt straight into the panes: these spots were delivered already.
+    const SpotEvaluator evaluator(pipeline_.settings());
+    for (int i = 0; i < frmZKR_MUF::PaneCount; ++i) {
+        window_.workingPane(i).clear();
+    }
+    for (const QString &line : recentLines_) {
+        const EvaluatedSpot spot = evaluator.evaluateClusterLine(line);
+        if (spot.frequency > 0) {
+            writer_.writeSpot(spot);
+        }
+    }
+    window_.refreshPanes();
+}
+
+// --- Recorded file ---
+
+void SpotSources::Replay_SpotFile() {
+    FileDialogRequest request;
+    request.title = QStringLiteral("Select the File...");
+    request.mustExist = true;
+    request.filter = QStringLiteral("E-skip files (*.txt, *.txt)|*.txt;*.txt|all files (*.*)|*.*");
+    request.filterIndex = 1;
+    request.initialFolder = platform_.applicationFolder();
+    const QString chosen = platform_.openFileDialog(request);
+    // Like a file dialog that remembers its file: a cancel replays the last.
+    if (!chosen.isEmpty()) {
+        replayFileName_ = chosen;
+    }
+    if (replayFileName_.isEmpty()) {
+        return;
+    }
+    applyAnalysisSettings();
+    fileFeed_.reset();
+    if (!replay_.start(replayFileName_, fileFeed_)) {
+        reportRunTimeError(platform_, RunTimeError(RunTimeError::FileNotFound,
+                                                   replayFileName_ + QStringLiteral(": ") +
+                                                       replay_.errorString()));
+    }
+}
+
+// --- Web spot page ---
+
+void SpotSources::Evaluate_SpotPage() {
+    if (state_.Busy || web_.isBusy()) {
+        return; // the setup holds the program, or a fetch is under way
+    }
+    window_.showWorkLabel(QStringLiteral("DOWNLOADING"));
+    web_.fetch(state_.WebCluster_Url);
+}
+
+void SpotSources::onPage(const QString &page) {
+    if (Is_ErrorPage(page)) {
+        writer_.writeNotice(QStringLiteral("The Webserver may be down !"));
+        window_.refreshPanes();
+        window_.showWorkLabel(QStringLiteral("OFFLINE !"));
+        // The next good page shows even if it is the one seen before.
+        state_.SpotPage_Previous.clear();
+        return;
+    }
+    if (page == state_.SpotPage_Previous) {
+        state_.FirstFetch = true;
+        window_.hideWorkLabel();
+        return;
+    }
+    state_.FirstFetch = false;
+    state_.Web_Offline = false;
+    state_.SpotPage_Previous = page;
+    state_.SpotPage_Lines = Split_SpotPage(Strip_Tags(page));
+    applyAnalysisSettings();
+    pipeline_.evaluatePage(state_.SpotPage_Lines);
+    window_.hideWorkLabel();
+}
+
+void SpotSources::onPageFailed() {
+    MsgBox_Timed(state_, platform_, window_);
+    state_.FirstFetch = true;
+    state_.Web_Offline = true;
+    window_.showWorkLabel(QStringLiteral("OFFLINE !"));
+}
+
+// --- Console ---
 
 FrmTelnet &SpotSources::console() {
     if (console_ == nullptr) {
@@ -66,121 +317,6 @@ void SpotSources::unloadConsole() {
     if (console_ != nullptr) {
         console_->close();
     }
-}
-
-void SpotSources::closeSession() {
-    session_.socket().abort();
-    session_.Winsock_Close();
-}
-
-void SpotSources::Replay_SpotFile() {
-    try {
-        replay_.Replay_SpotFile(state_, platform_, *this);
-    } catch (const RunTimeError &error) {
-        reportRunTimeError(platform_, error);
-    }
-}
-
-void SpotSources::Evaluate_SpotPage() {
-    if (state_.Busy) {
-        return; // a batch is still running
-    }
-    window_.showWorkLabel(QStringLiteral("DOWNLOADING"));
-    const QString page = web_.Open_Url(state_.WebCluster_Url);
-    if (!web_.lastUrlOpened()) {
-        return;
-    }
-    if (Is_ErrorPage(page)) {
-        const std::uint32_t black = Colour_Value(state_.Color_Black);
-        for (int i = 0; i < 4; ++i) {
-            window_.displayPane(i)->clear();
-            Print_Colored(*window_.displayPane(i), QStringLiteral("The Webserver may be down !"),
-                          black);
-        }
-        window_.showWorkLabel(QStringLiteral("OFFLINE !"));
-        platform_.processEvents();
-        return;
-    }
-    if (page == state_.SpotPage_Previous) {
-        state_.FirstFetch = true;
-        window_.hideWorkLabel();
-        return;
-    }
-    state_.FirstFetch = false;
-    state_.Web_Offline = false;
-    state_.SpotPage_Previous = page;
-    state_.SpotPage_Lines = Split_SpotPage(Strip_Tags(page));
-    window_.hideWorkLabel();
-    platform_.processEvents();
-    Evaluate_SpotLines(state_, platform_, workingPanes(), *this, state_.SpotPage_Lines);
-}
-
-void SpotSources::sendData(const QString &text) {
-    session_.sendData(text);
-}
-
-void SpotSources::evaluateClusterLine() {
-    Evaluate_ClusterLine(state_, platform_, workingPanes(), *this);
-}
-
-Pane &SpotSources::displayPane(int index) {
-    return *window_.displayPane(index);
-}
-
-Pane &SpotSources::workingPane(int index) {
-    return window_.workingPane(index);
-}
-
-void SpotSources::setStatus(const QString &caption, std::uint32_t bgrColour) {
-    window_.setStatusLabel(caption, bgrColour);
-}
-
-void SpotSources::hideWorkLabel() {
-    window_.hideWorkLabel();
-}
-
-void SpotSources::processEvents() {
-    platform_.processEvents();
-}
-
-void SpotSources::showWorkLabel(const QString &caption) {
-    window_.showWorkLabel(caption);
-}
-
-bool SpotSources::over144Only() {
-    return window_.over144Only();
-}
-
-bool SpotSources::esSpotsOnly() {
-    return window_.esSpotsOnly();
-}
-
-void SpotSources::refreshDisplay() {
-    window_.refreshPanes();
-}
-
-void SpotSources::setConsoleData(const QString &line) {
-    console().setDataField(line);
-}
-
-void SpotSources::setStatusLabel(const QString &caption, std::uint32_t bgrColour) {
-    window_.setStatusLabel(caption, bgrColour);
-}
-
-void SpotSources::setConsoleState(const QString &caption, std::uint32_t bgrColour) {
-    console().setConnectionState(caption, bgrColour);
-}
-
-void SpotSources::prepareConsole(const QString &host, const QString &port, const QString &call) {
-    FrmTelnet &window = console();
-    window.setFields(host, port, call);
-    // Loads the console without showing it; a shown console goes down to
-    // the task bar.
-    window.setWindowState(window.windowState() | Qt::WindowMinimized);
-}
-
-void SpotSources::appendConsole(const QString &chunk) {
-    console().appendRecord(chunk);
 }
 
 void SpotSources::prepareFileReplay() {

@@ -1,14 +1,16 @@
 #pragma once
 
-#include "EvaluationView.h"
+#include "ClusterFeed.h"
+#include "ClusterSession.h"
+#include "FileReplay.h"
 #include "FrmTelnet.h"
-#include "ReceiveHost.h"
-#include "ResultPanes.h"
-#include "SessionView.h"
-#include "SpotFileReplay.h"
-#include "TelnetSession.h"
+#include "PaneWriter.h"
+#include "SpotPipeline.h"
 #include "WebClient.h"
 
+#include <QObject>
+
+#include <deque>
 #include <memory>
 
 namespace zkr {
@@ -17,70 +19,86 @@ struct ProgramState;
 class Platform;
 class frmZKR_MUF;
 
-// Connects the three spot sources (telnet cluster, web spot page, recorded
-// file) with the evaluation cycle and the main window's panes and labels.
-class SpotSources : public ReceiveHost,
-                    public EvaluationView,
-                    public SessionView,
-                    public FrmTelnet::Host {
+// Wires the three spot sources (telnet cluster, web spot page, recorded
+// file) to the one pipeline, and the pipeline to the window: every spot is
+// evaluated once and handed as a value to the panes and the console (and to
+// anyone else who subscribes to pipeline()).
+class SpotSources : public QObject, public FrmTelnet::Host {
+    Q_OBJECT
 public:
-    SpotSources(ProgramState &state, Platform &platform, frmZKR_MUF &window);
+    // Spot lines kept to rebuild the panes when a filter changes.
+    static constexpr std::size_t MaxSpotLines = 250;
+    // The console's record of received text, for its debug file.
+    static constexpr int ConsoleRecordLimit = 20000;
+    static constexpr qsizetype ConsoleRecordChars = 4 * 1024 * 1024;
+    // The status of a closed session.
+    static inline const QString NotConnectedText =
+        QStringLiteral(" Not connected !") +
+        QStringLiteral(" Click to Check Setup or check your firewall settings !");
 
+    SpotSources(ProgramState &state, Platform &platform, frmZKR_MUF &window);
+    ~SpotSources() override;
+
+    SpotPipeline &pipeline() { return pipeline_; }
+    ClusterSession &session() { return session_; }
+    WebClient &web() { return web_; }
+    // A client of its own for the interactive update check, so that it never
+    // waits for a spot page.
+    WebClient &updateWeb() { return updateWeb_; }
+
+    // Connects to the configured cluster and keeps connecting.
     void Telnet_Connect();
-    void Replay_SpotFile() override;
-    // Fetches the web spot page and evaluates it when it is new.
-    void Evaluate_SpotPage() override;
-    // Closes the telnet session and shows it as not connected.
+    // Closes the session for good (until the next Telnet_Connect).
     void closeSession();
+    // The status label was clicked: a waiting session retries at once, a
+    // closed one connects again.
+    void retryNow();
+    void Replay_SpotFile() override;
+    // Starts fetching the web spot page; it is evaluated when it arrives.
+    void Evaluate_SpotPage() override;
+    // The filters changed: the panes are rebuilt from the recent spot lines.
+    void reevaluateRecent();
+    // The analysis settings from the program state and the filter boxes.
+    void applyAnalysisSettings();
 
     // The telnet console, loaded (not shown) on first use.
     FrmTelnet &console();
-    // Brings the console up in front, as the user asks for it.
     void showConsole();
-    // Hides the console, if it was ever loaded.
     void hideConsole();
-    // Closes the console, if it was ever loaded, on the way out.
     void unloadConsole();
 
-    TelnetSession &session() { return session_; }
-    WebClient &web() { return web_; }
-
-    // ReceiveHost
-    void sendData(const QString &text) override;
-    void evaluateClusterLine() override;
-    Pane &displayPane(int index) override;
-    Pane &workingPane(int index) override;
-    void setStatus(const QString &caption, std::uint32_t bgrColour) override;
-    void hideWorkLabel() override;
-    void processEvents() override;
-
-    // EvaluationView
-    void showWorkLabel(const QString &caption) override;
-    bool over144Only() override;
-    bool esSpotsOnly() override;
-    void refreshDisplay() override;
-    void setConsoleData(const QString &line) override;
-
-    // SessionView
-    void setStatusLabel(const QString &caption, std::uint32_t bgrColour) override;
-    void setConsoleState(const QString &caption, std::uint32_t bgrColour) override;
-    void prepareConsole(const QString &host, const QString &port, const QString &call) override;
-    void appendConsole(const QString &chunk) override;
-
     // FrmTelnet::Host
+    void sendData(const QString &text) override;
     void prepareFileReplay() override;
     void startWebRefresh() override;
     void runStartup() override;
 
 private:
-    ResultPanes workingPanes();
+    void onSpotLine(const QString &line);
+    void onSpot(const EvaluatedSpot &spot);
+    void onPrompt(const QString &block);
+    void onSessionStatus(ClusterSession::State state, const QString &text);
+    void onAttemptFailed();
+    void onPage(const QString &page);
+    void onPageFailed();
+    void record(const QString &chunk);
+    void connectFeed(ClusterFeed &feed);
 
     ProgramState &state_;
     Platform &platform_;
     frmZKR_MUF &window_;
-    TelnetSession session_;
+    SpotPipeline pipeline_;
+    PaneWriter writer_;
+    ClusterSession session_;
+    ClusterFeed fileFeed_;
+    FileReplay replay_;
     WebClient web_;
-    SpotFileReplay replay_;
+    WebClient updateWeb_;
+    QString replayFileName_;
+    std::deque<QString> recentLines_;
+    qsizetype recordChars_ = 0;
+    bool reportFailure_ = false;
+    QString lastReportedError_;
     // A window of its own, like the main window, not one inside it.
     std::unique_ptr<FrmTelnet> console_;
 };

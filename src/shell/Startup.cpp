@@ -5,7 +5,6 @@
 #include "RunModes.h"
 #include "RunTimeError.h"
 #include "SiteDefaults.h"
-#include "SpotLineParsing.h"
 #include "StartupWindow.h"
 #include "TextFunctions.h"
 
@@ -87,14 +86,8 @@ void Form_Load(ProgramState &s, Platform &platform, StartupWindow &window) {
     // 5-7. Defaults of the sources and the spot list.
     s.Check_OwnCall_Arg.clear();
     s.OwnLocator_Default = QStringLiteral("JO62QM");
-    s.SpotLines.resize(11);
-    s.Telnet_Lines.resize(11);
     s.Telnet_Connected = false;
     s.Busy = false;
-    s.SpotPrefix = QStringLiteral("DX de ");
-    s.Telnet_MinFrequency = 0;
-    s.MaxSpotLines = 250;
-    s.SpotLine_Count = 0;
     s.Telnet_DebugFile = QStringLiteral("Telnet_Debug_Datei.txt");
     s.Telnet_DefaultCall = site::DefaultClusterCall;
     s.Telnet_DefaultHost = site::DefaultClusterHost;
@@ -121,13 +114,7 @@ void Form_Load(ProgramState &s, Platform &platform, StartupWindow &window) {
     if (s.UpdatePage_Url.isEmpty()) {
         s.UpdatePage_Url = site::DownloadPageUrl;
     }
-    s.Pi = 4.0 * std::atan(1.0);
-    s.Rad2Deg = 180.0 / s.Pi;
-    s.Deg2Rad = s.Pi / 180.0;
     s.CrLf = QStringLiteral("\r\n");
-    s.EsLayerHeight = 110;
-    s.EarthRadius = static_cast<std::int16_t>(roundHalfEven(40007.0 / (2.0 * s.Pi)));
-    s.Distance_Limit = 1500;
     s.Eval_Flag = false;
 
     // 13.
@@ -169,15 +156,9 @@ void Form_Load(ProgramState &s, Platform &platform, StartupWindow &window) {
     }
     window.centreDialogsOverMain();
 
-    // 22.
-    s.Color_Black = QStringLiteral("0");
-    s.Color_Magenta = QString::number(0xFF00FF);
-    s.Color_Grey = QString::number(0xB0B0B0);
-    s.MinFrequency_MHz = 144;
-
-    // 23-24. Command line, then the column table of the chosen mode.
+    // 23. The command line; the source's column table follows from the run
+    // mode when the source starts.
     Apply_CommandLine(s, platform, platform.commandLine());
-    Load_ColumnTable(s);
 
     // 25.
     if (Is_DeveloperWorkstation(s.ComputerName) && s.RunMode == TelnetMode) {

@@ -25,7 +25,6 @@
 #include <QMouseEvent>
 #include <QPushButton>
 #include <QTabWidget>
-#include <QTcpSocket>
 #include <QTimer>
 #include <QVBoxLayout>
 
@@ -68,8 +67,6 @@ frmZKR_MUF::frmZKR_MUF(ProgramState &state, Platform &platform, QWidget *parent)
     buildControls();
     applyColours();
     sources_ = std::make_unique<SpotSources>(state_, platform_, *this);
-    evaluateSpotPage_ = [this] { sources_->Evaluate_SpotPage(); };
-    evaluateClusterLine_ = [this] { sources_->evaluateClusterLine(); };
 }
 
 frmZKR_MUF::~frmZKR_MUF() = default;
@@ -259,14 +256,6 @@ frmInfo &frmZKR_MUF::aboutWindow() {
     return *info_;
 }
 
-void frmZKR_MUF::setSpotPageEvaluation(std::function<void()> evaluate) {
-    evaluateSpotPage_ = std::move(evaluate);
-}
-
-void frmZKR_MUF::setClusterLineEvaluation(std::function<void()> evaluate) {
-    evaluateClusterLine_ = std::move(evaluate);
-}
-
 void frmZKR_MUF::runHandler(const std::function<void()> &handler) {
     try {
         handler();
@@ -306,10 +295,6 @@ void frmZKR_MUF::layoutInitial() {
         moveMainWindow(Main_WindowPosition(QString(), QString(), screen, mainWindowSize()));
     }
     centreDialogsOverMain();
-    state_.Color_Black = QStringLiteral("0");
-    state_.Color_Magenta = QString::number(0xFF00FF);
-    state_.Color_Grey = QString::number(0xB0B0B0);
-    state_.MinFrequency_MHz = 144;
     // The panes fill their tab (see buildControls).
     applyModeSettings(false);
 }
@@ -361,10 +346,7 @@ void frmZKR_MUF::applyModeSettings(bool secondPass) {
         }
     }
     if (web && secondPass) {
-        platform_.processEvents();
-        if (evaluateSpotPage_) {
-            evaluateSpotPage_();
-        }
+        sources_->Evaluate_SpotPage();
     }
 }
 
@@ -464,6 +446,7 @@ int frmZKR_MUF::selectedTab() const {
 
 void frmZKR_MUF::Winsock_Close() {
     sources_->closeSession();
+    setStatusLabel(SpotSources::NotConnectedText, Red);
 }
 
 void frmZKR_MUF::unloadAllWindows() {
@@ -504,9 +487,7 @@ void frmZKR_MUF::hideConsole() {
 }
 
 void frmZKR_MUF::closeTelnetSession() {
-    if (sources_->session().socket().state() != QAbstractSocket::UnconnectedState) {
-        sources_->closeSession();
-    }
+    sources_->closeSession();
 }
 
 void frmZKR_MUF::Telnet_Connect() {
@@ -518,7 +499,7 @@ void frmZKR_MUF::Replay_SpotFile() {
 }
 
 QString frmZKR_MUF::Open_Url(const QString &url) {
-    WebClient &web = sources_->web();
+    WebClient &web = sources_->updateWeb();
     const QString page = web.Open_Url(url);
     if (web.lastUrlOpened()) {
         hideWorkLabel();
@@ -532,9 +513,7 @@ void frmZKR_MUF::Timer1_Timer() {
     state_.Refresh_Seconds = add16(state_.Refresh_Seconds, 1);
     if (state_.Refresh_Seconds >= 60) {
         state_.Refresh_Seconds = 0;
-        if (evaluateSpotPage_) {
-            evaluateSpotPage_();
-        }
+        sources_->Evaluate_SpotPage();
     }
 }
 
@@ -553,44 +532,23 @@ void frmZKR_MUF::filterClicked(bool &changedFlag) {
     changedFlag = true;
     state_.SpotPage_Previous.clear();
     if (state_.RunMode == WebMode) {
-        if (evaluateSpotPage_) {
-            evaluateSpotPage_();
-        }
+        sources_->Evaluate_SpotPage();
         state_.Refresh_Seconds = 0;
-    } else if (state_.RunMode == TelnetMode) {
-        state_.Busy = true;
-        if (!state_.Telnet_Connected) {
-            state_.Busy = false;
-            return;
-        }
-        for (int i = 0; i < PaneCount; ++i) {
-            workingPane(i).clear();
-        }
-        Label2_->setVisible(true);
-        // Line 0 is deliberately not evaluated again.
-        for (qsizetype i = 1; i < state_.SpotLines.size(); ++i) {
-            state_.CurrentSpotLine = state_.SpotLines.at(i);
-            if (evaluateClusterLine_) {
-                evaluateClusterLine_();
-            }
-        }
-        Label2_->setVisible(false);
-        platform_.processEvents();
-        state_.Busy = false;
+    } else if (state_.RunMode == TelnetMode && state_.Telnet_Connected) {
+        sources_->reevaluateRecent();
     }
 }
 
 void frmZKR_MUF::Label_Telnet_Status_Click() {
     if (state_.RunMode != WebMode) {
         state_.RunMode = TelnetMode;
+        // A session waiting for its next try connects at once.
         if (!state_.Telnet_Connected) {
-            Setup_Click();
+            sources_->retryNow();
         }
     } else {
         Timer1_->start();
-        if (evaluateSpotPage_) {
-            evaluateSpotPage_();
-        }
+        sources_->Evaluate_SpotPage();
     }
 }
 

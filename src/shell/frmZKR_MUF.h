@@ -76,11 +76,6 @@ public:
     // The About window, created on first use.
     frmInfo &aboutWindow();
 
-    // The evaluation of the web page and of one cluster line; empty steps
-    // until the evaluation is built.
-    void setSpotPageEvaluation(std::function<void()> evaluate);
-    void setClusterLineEvaluation(std::function<void()> evaluate);
-
     // Event handlers, public so that other windows (and tests) can run them.
     void Timer1_Timer();
     void Check_EsSpotsOnly_Click();
@@ -160,8 +155,6 @@ private:
     SettingsFile settings_;
     frmInfo *info_ = nullptr;
     std::unique_ptr<SpotSources> sources_;
-    std::function<void()> evaluateSpotPage_;
-    std::function<void()> evaluateClusterLine_;
     bool unloading_ = false;
 
     QTabWidget *SSTab1_ = nullptr;

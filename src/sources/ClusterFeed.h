@@ -42,7 +42,8 @@ Q_SIGNALS:
     // A complete "DX de " line whose frequency column holds a number above
     // 0, without its line end.
     void spotLine(const QString &line);
-    // A line ending in ">": the prompt, with the non-spot lines that came
+    // A line ending in ">" (not closing a "<your name>" placeholder of a
+    // welcome text): the prompt, with the non-spot lines that came
     // just before it (the welcome text, a command's answer), as the block
     // shown in the panes: three CR LF, the lines each ended by CR LF, three
     // CR LF.
@@ -56,7 +57,10 @@ Q_SIGNALS:
     void lineReceived(const QString &line);
 
 private:
+    void appendPartial(const char *data, qsizetype size);
+    void telnetByte(unsigned char c);
     void takeLine();
+    void emitLine(const char *data, qsizetype size);
     void handleLine(QString line);
 
     QByteArray partial_;
@@ -65,6 +69,7 @@ private:
     bool loggedIn_ = false;
     int telnetState_ = 0;
     char telnetVerb_ = 0;
+    quint64 generation_ = 0; // counts resets, so a reset by a receiver stops the read
 };
 
 } // namespace zkr

@@ -32,6 +32,9 @@ public:
         int writeGapMs = 100;      // pause between two queued writes
     };
 
+    // Most bytes handed on per turn of the event loop.
+    static constexpr qint64 ReadSliceBytes = 16 * 1024;
+
     enum class State { Idle, Connecting, Connected, LoggedIn, Waiting };
     Q_ENUM(State)
 
@@ -96,6 +99,7 @@ private:
     State state_ = State::Idle;
     int attempt_ = 0;
     int nextDelayMs_ = 0;
+    bool readQueued_ = false;
     QList<QByteArray> writeQueue_;
 };
 

@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QObject>
+#include <QPointer>
 #include <QString>
 
 #include <memory>
@@ -24,14 +25,14 @@ public:
     explicit FileReplay(QObject *parent = nullptr);
     ~FileReplay() override;
 
-    // Reads everything from `input` into `feed`, then finishes the feed.
-    // Returns the bytes read.
+    // Reads everything from `input` into `feed` (reset first, as on a new
+    // connection), then finishes the feed. Returns the bytes read.
     static qint64 replayAll(QIODevice &input, ClusterFeed &feed);
 
     // Replays the file a slice per event-loop turn, so the window keeps
     // answering; finished() follows the last slice. A replay under way is
-    // cancelled first. Returns false (and replays nothing) when the file
-    // cannot be opened; errorString() says why.
+    // cancelled first, then the feed is reset. Returns false (and replays
+    // nothing) when the file cannot be opened; errorString() says why.
     bool start(const QString &fileName, ClusterFeed &feed);
     void cancel();
     bool isRunning() const;
@@ -44,7 +45,7 @@ private:
     void readSlice();
 
     std::unique_ptr<QFile> file_;
-    ClusterFeed *feed_ = nullptr;
+    QPointer<ClusterFeed> feed_; // null when the feed went away under a replay
     QTimer *timer_;
     QString error_;
 };

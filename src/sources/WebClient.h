@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QElapsedTimer>
 #include <QObject>
 #include <QString>
 
@@ -21,6 +22,7 @@ public:
         int retryWindowMs = 15000;    // no new try starts after this
         int connectTimeoutMs = 10000; // until the server answers at all
         int silenceTimeoutMs = 10000; // longest pause within an answer
+        int retryGapMs = 1000;        // pause before a new try (a refusal comes back at once)
     };
 
     explicit WebClient(QObject *parent = nullptr);
@@ -58,8 +60,9 @@ private:
     QTimer *silence_;
     QString url_;
     int attemptsMade_ = 0;
-    qint64 startedMs_ = 0;
-    bool retrying_ = false;
+    QElapsedTimer clock_;   // since fetch(): the retry window
+    bool retrying_ = false; // a retry waits its turn
+    bool timedOut_ = false; // the running attempt was cut by a timeout
     bool lastOpened_ = false;
     int lastError_ = 0;
 };

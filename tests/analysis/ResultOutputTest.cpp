@@ -1,14 +1,9 @@
 #include "ResultOutput.h"
-#include "AnalysisTestState.h"
+#include "TestSpots.h"
 
 using namespace zkr;
-using Runs = std::vector<RecordingPane::Run>;
 
 namespace {
-
-RecordingPane::Run run(const char *text, std::uint32_t colour) {
-    return {QString::fromLatin1(text), colour};
-}
 
 TEST(SelectedPanes, BandsAreInclusiveAndEsHasItsOwnPane) {
     const struct {
@@ -20,98 +15,103 @@ TEST(SelectedPanes, BandsAreInclusiveAndEsHasItsOwnPane) {
                  {29.999f, "ES", 0b1001},  {300.000f, "??", 0b0011}, {300.001f, "??", 0b0001},
                  {7.040f, "es", 0b0001}};
     for (const auto &c : cases) {
-        ProgramState s = analysisState();
-        s.Spot_Frequency = c.frequency;
-        s.Spot_Mode = QString::fromLatin1(c.mode);
-        EXPECT_EQ(Selected_Panes(s), c.panes) << c.frequency << " " << c.mode;
+        EvaluatedSpot spot;
+        spot.frequency = c.frequency;
+        spot.mode = c.mode;
+        EXPECT_EQ(Selected_Panes(spot), c.panes) << c.frequency << " " << c.mode;
     }
 }
 
-enum class Field { Muf, Mid, Fot };
-
-TEST(ResultFields, TextColourAndPanes) {
+// The result fields of a computed spot whose cloud is over JO96 and whose
+// hop from the own station comes down in KP20. Each field has its own
+// colour: k black, m magenta, g grey.
+TEST(ResultFields, TextAndColourAtEveryBoundary) {
+    // clang-format off
     const struct {
-        Field field;
-        const char *mode;
         float frequency;
-        double esMuf, ownMuf, elevation;
-        const char *text;
-        std::uint32_t colour;
-        unsigned panes;
+        const char *mode;
+        double muf, ownMuf, elevation, ownKm;
+        const char *text, *colours;
     } cases[] = {
-        // 212.4 -> 212: 50 MHz and >= 200 is doubtful, >= 144 is magenta.
-        {Field::Muf, "ES", 50.150f, 212.4, 0, 5, "Es? MUF=212MHz", Magenta, 0b1011},
-        {Field::Muf, "ES", 28.0f, 7.4, 0, 5, "    MUF=  7MHz", Black, 0b1001},
-        {Field::Muf, "ES", 144.3f, 239.4, 0, 5, "    MUF=239MHz", Magenta, 0b1111},
-        {Field::Muf, "ES", 144.3f, 239.5, 0, 5, "Es? MUF=240MHz", Magenta, 0b1111},
-        {Field::Muf, "ES", 70.2f, 219.5, 0, 5, "Es? MUF=220MHz", Magenta, 0b1011},
-        {Field::Muf, "ES", 50.3f, 199.49, 0, 5, "    MUF=199MHz", Magenta, 0b1011},
-        {Field::Muf, "ES", 28.5f, 250.5, 0, 5, "Es? MUF=251MHz", Magenta, 0b1001},
-        {Field::Muf, "??", 50.150f, 60, 0, 5, "Es? MUF= 60MHz", Black, 0b0011},
-        {Field::Muf, "ES", 1296.2f, 5200.2, 0, 5, "Es? MUF=5200MHz", Magenta, 0b1001},
-        // whole(-0.6 + 0.5) = -1: below the horizon; whole(-0.5 + 0.5) = 0 is not.
-        {Field::Muf, "ES", 50.150f, 100, 0, -0.6, "    MUF=100MHz", Grey, 0b1011},
-        {Field::Muf, "ES", 50.150f, 100, 0, -0.5, "    MUF=100MHz", Black, 0b1011},
-        {Field::Muf, "ES", 50.150f, 150, 0, -20, "    MUF=150MHz", Magenta, 0b1011},
-        {Field::Mid, "ES", 50.150f, 143.49, 0, 8, "@JO96 ", Black, 0b1011},
-        {Field::Mid, "ES", 50.150f, 143.5, 0, 8, "@JO96 ", Magenta, 0b1011},
-        {Field::Mid, "ES", 50.150f, 63.6, 0, -3, "@JO96 ", Grey, 0b1011},
-        {Field::Fot, "ES", 144.3f, 200, 149.6, 8, " FOT=150MHz", Magenta, 0b1111},
-        {Field::Fot, "ES", 28.0f, 10, 0.5, 8, " FOT=  1MHz", Black, 0b1001},
-        {Field::Fot, "ES", 28.0f, 10, 0.49, 8, "           ", Black, 0b1001},
-        {Field::Fot, "ES", 50.150f, 30, 0, -73.4, "           ", Grey, 0b1011},
+        {50.15f, "ES", 63.57, 50.15, 8.36, 565.5,
+         "    MUF= 64MHz@JO96  FOT= 50MHz -> KP20 AZ=360 EL=  8", "kkkk"},
+        // Magenta from a MUF that rounds to 144, for the MUF and the square.
+        {50.15f, "ES", 143.49, 50, 8, 565.5,
+         "    MUF=143MHz@JO96  FOT= 50MHz -> KP20 AZ=360 EL=  8", "kkkk"},
+        {50.15f, "ES", 143.5, 50, 8, 565.5, "    MUF=144MHz@JO96  FOT= 50MHz -> KP20 AZ=360 EL=  8",
+         "mmkk"},
+        // The own MUF: magenta from 144, the course only while the cloud is
+        // not below the horizon (elevation rounded).
+        {50.15f, "ES", 150, 143.49, 8, 565.5,
+         "    MUF=150MHz@JO96  FOT=143MHz -> KP20 AZ=360 EL=  8", "mmkk"},
+        {50.15f, "ES", 150, 143.5, -0.5, 565.5,
+         "    MUF=150MHz@JO96  FOT=144MHz -> KP20 AZ=360 EL=  0", "mmmm"},
+        {50.15f, "ES", 150, 144, -0.51, 565.5,
+         "    MUF=150MHz@JO96  FOT=144MHz -> KP20 AZ=360 EL= -1", "mmmg"},
+        // Below the horizon every field that is not magenta is grey.
+        {50.15f, "ES", 63.57, 0, -0.51, 565.5,
+         "    MUF= 64MHz@JO96             -> KP20 AZ=360 EL= -1", "gggg"},
+        {50.15f, "ES", 63.57, 0.5, -12.5, 565.5,
+         "    MUF= 64MHz@JO96  FOT=  1MHz -> KP20 AZ=360 EL=-12", "gggg"},
+        {50.15f, "ES", 63.57, 0.49, -0.5, 565.5,
+         "    MUF= 64MHz@JO96             -> KP20 AZ=360 EL=  0", "kkkk"},
+        // The course field only for a cloud nearer than 1500 km.
+        {50.15f, "ES", 63.57, 50.15, 8, 1499.99,
+         "    MUF= 64MHz@JO96  FOT= 50MHz -> KP20 AZ=360 EL=  8", "kkkk"},
+        {50.15f, "ES", 63.57, 50.15, 8, 1500, "    MUF= 64MHz@JO96  FOT= 50MHz", "kkk"},
+        // Doubtful results: an unmarked spot, over 250 MHz, or the limit of the
+        // band (the whole MHz of the frequency).
+        {50.15f, "??", 63.57, 50.15, 8, 1500, "Es? MUF= 64MHz@JO96  FOT= 50MHz", "kkk"},
+        {28.5f, "ES", 250.49, 50, 8, 1500, "    MUF=250MHz@JO96  FOT= 50MHz", "mmk"},
+        {28.5f, "ES", 250.5, 50, 8, 1500, "Es? MUF=251MHz@JO96  FOT= 50MHz", "mmk"},
+        {144.6f, "ES", 239.49, 50, 8, 1500, "    MUF=239MHz@JO96  FOT= 50MHz", "mmk"},
+        {144.6f, "ES", 239.5, 50, 8, 1500, "Es? MUF=240MHz@JO96  FOT= 50MHz", "mmk"},
+        {145.2f, "ES", 245, 50, 8, 1500, "    MUF=245MHz@JO96  FOT= 50MHz", "mmk"},
+        {70.6f, "ES", 219.4, 50, 8, 1500, "    MUF=219MHz@JO96  FOT= 50MHz", "mmk"},
+        {70.6f, "ES", 220, 50, 8, 1500, "Es? MUF=220MHz@JO96  FOT= 50MHz", "mmk"},
+        {50.6f, "ES", 199.4, 50, 8, 1500, "    MUF=199MHz@JO96  FOT= 50MHz", "mmk"},
+        {50.6f, "ES", 200, 50, 8, 1500, "Es? MUF=200MHz@JO96  FOT= 50MHz", "mmk"},
+        {1296.2f, "ES", 5200.2, 1000, 8, 1500, "Es? MUF=5200MHz@JO96  FOT=1000MHz", "mmm"},
     };
+    // clang-format on
     for (const auto &c : cases) {
-        ProgramState s = analysisState();
-        s.Spot_Mode = QString::fromLatin1(c.mode);
-        s.Spot_Frequency = c.frequency;
-        s.Es_MUF = c.esMuf;
-        s.Own_MUF = c.ownMuf;
-        s.OwnMid_Elevation = c.elevation;
-        s.Mid_Locator = QStringLiteral("JO96GP");
-        TestPanes panes;
-        if (c.field == Field::Muf) {
-            Print_MufField(s, panes.all);
-            EXPECT_EQ(s.Es_Flag, QString::fromLatin1(c.text).left(4));
-        } else if (c.field == Field::Mid) {
-            Print_MidSquare(s, panes.all);
-        } else {
-            Print_FotField(s, panes.all);
+        EvaluatedSpot spot;
+        spot.frequency = c.frequency;
+        spot.mode = c.mode;
+        spot.es = EsPath{.cloud = "JO96GP",
+                         .muf = c.muf,
+                         .ownMuf = c.ownMuf,
+                         .azimuth = 359.5,
+                         .elevation = c.elevation,
+                         .far = "KP20LL",
+                         .ownKm = c.ownKm};
+        Print_MufField(spot);
+        Print_MidSquare(spot);
+        Print_FotField(spot);
+        Print_AzField(spot);
+        QString text;
+        std::string perCharacter, colours;
+        for (const TextRun &run : spot.runs) {
+            text += run.text;
+            const char colour = run.colour == M   ? 'm'
+                                : run.colour == G ? 'g'
+                                : run.colour == K ? 'k'
+                                                  : '?';
+            perCharacter += std::string(std::size_t(run.text.size()), colour);
         }
-        for (std::size_t i = 0; i < 4; ++i) {
-            EXPECT_EQ(panes.pane[i].runs(),
-                      (c.panes >> i) & 1 ? Runs{run(c.text, c.colour)} : Runs{})
-                << c.text << " pane " << i;
+        EXPECT_EQ(text, QString::fromLatin1(c.text) + "\r\n") << c.text;
+        // The colour of each field (MUF, square, FOT, course, line end), the
+        // same all through it.
+        const qsizetype at = text.indexOf('@'), arrow = text.indexOf(" -> "), end = text.size() - 2;
+        const qsizetype bounds[] = {0, at, at + 6, arrow < 0 ? end : arrow, end, end + 2};
+        for (std::size_t i = 0; i + 1 < std::size(bounds); ++i) {
+            const std::string field =
+                perCharacter.substr(std::size_t(bounds[i]), std::size_t(bounds[i + 1] - bounds[i]));
+            if (!field.empty()) {
+                colours += field.find_first_not_of(field[0]) == std::string::npos ? field[0] : '?';
+            }
         }
-    }
-}
-
-TEST(ResultFields, AzimuthFieldOnlyForNearCloudsThenTheLineEnd) {
-    const struct {
-        double distance, azimuth, elevation, ownMuf;
-        Runs printed;
-    } cases[] = {
-        {565.5, 34.048, 8.36, 50.2, {run(" -> KP20 AZ= 34 EL=  8\r\n", Black)}},
-        {1499.99, 359.6, 0.4, 150, {run(" -> KP20 AZ=360 EL=  0", Magenta), run("\r\n", Black)}},
-        {1500, 34.0, 8, 50, {run("\r\n", Black)}},
-        // Below the horizon: grey, and the own MUF cannot make it magenta.
-        {1400, 5.2, -5.5, 150, {run(" -> KP20 AZ=  5 EL= -5", Grey), run("\r\n", Black)}},
-        {1400, 95.0, -12.5, 0, {run(" -> KP20 AZ= 95 EL=-12", Grey), run("\r\n", Black)}},
-    };
-    for (const auto &c : cases) {
-        ProgramState s = analysisState();
-        s.Spot_Mode = QStringLiteral("ES");
-        s.Spot_Frequency = 50.150f;
-        s.Far_Locator = QStringLiteral("KP20LL");
-        s.OwnMid_Distance = c.distance;
-        s.OwnMid_Azimuth = c.azimuth;
-        s.OwnMid_Elevation = c.elevation;
-        s.Own_MUF = c.ownMuf;
-        TestPanes panes;
-        Print_AzField(s, panes.all);
-        EXPECT_EQ(panes.pane[0].runs(), c.printed) << c.distance;
-        EXPECT_EQ(panes.pane[3].runs(), c.printed) << c.distance;
-        EXPECT_TRUE(panes.pane[2].text().isEmpty());
+        EXPECT_EQ(colours, c.colours + std::string("k")) << c.text;
     }
 }
 

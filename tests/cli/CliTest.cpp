@@ -1,4 +1,6 @@
+#include "LocalClusterServer.h"
 #include "QtPrinters.h"
+#include "WaitFor.h"
 
 #include <QFile>
 #include <QJsonArray>
@@ -6,6 +8,7 @@
 #include <QJsonObject>
 #include <QProcess>
 #include <QTemporaryDir>
+#include <QTest>
 
 #include <gtest/gtest.h>
 
@@ -14,8 +17,7 @@ namespace {
 // A recorded session as the console writes it: greeting, login, spots in
 // DX Spider's layout (an HF spot with a Latin-1 comment, a 2 m MS spot with
 // the cluster's bell pair, one without a frequency, one without a mode
-// marker, two Es spots), a WWV line and a prompt (which, replayed line by
-// line, lacks the line end that marks a prompt).
+// marker, two Es spots), a WWV line and a prompt.
 const QByteArray Session =
     "\r\n"
     "Hello DL1ABC, this is GB7TST\r\n"
@@ -41,6 +43,8 @@ const QString Unmarked = "F6ABC:     50200.0  EA7KW        JN18DT KP20          
 const QString Ms2m = "DL8EBW:   144300.0  OZ1ABC       JO62QM JO65 ms                 1711Z";
 const QString Hf = QString::fromUtf8(
     "G4ABC:     14074.0  EA7KW        tnx J\xC3\xBCrgen 73                  1710Z");
+// The prompt in every pane, three empty lines either side, where it came.
+const QStringList Prompt{"", "", "", "DL1ABC de GB7TST  1-Jun-2024 1711Z dxspider >", "", "", ""};
 
 struct Result {
     int exitCode = -1;
@@ -135,30 +139,31 @@ INSTANTIATE_TEST_SUITE_P(
         PaneCase{"session",
                  {},
                  Session,
-                 {Es2m, Es6m, Unmarked, Ms2m, Hf},
-                 {Es2m, Es6m, Unmarked, Ms2m},
-                 {Es2m, Ms2m},
-                 {Es2m, Es6m}},
-        PaneCase{
-            "es_only", {"--es-only"}, Session, {Es2m, Es6m}, {Es2m, Es6m}, {Es2m}, {Es2m, Es6m}},
-        PaneCase{
-            "over144", {"--over144"}, Session, {Es2m, Ms2m}, {Es2m, Ms2m}, {Es2m, Ms2m}, {Es2m}},
+                 QStringList{Es2m, Es6m, Unmarked} + Prompt + QStringList{Ms2m, Hf},
+                 QStringList{Es2m, Es6m, Unmarked} + Prompt + QStringList{Ms2m},
+                 QStringList{Es2m} + Prompt + QStringList{Ms2m},
+                 QStringList{Es2m, Es6m} + Prompt},
+        PaneCase{"es_only",
+                 {"--es-only"},
+                 Session,
+                 QStringList{Es2m, Es6m} + Prompt,
+                 QStringList{Es2m, Es6m} + Prompt,
+                 QStringList{Es2m} + Prompt,
+                 QStringList{Es2m, Es6m} + Prompt},
+        PaneCase{"over144",
+                 {"--over144"},
+                 Session,
+                 QStringList{Es2m} + Prompt + QStringList{Ms2m},
+                 QStringList{Es2m} + Prompt + QStringList{Ms2m},
+                 QStringList{Es2m} + Prompt + QStringList{Ms2m},
+                 QStringList{Es2m} + Prompt},
         PaneCase{"eval_all",
                  {"--eval-all"},
                  Session,
-                 {Es2m, Es6m, UnmarkedComputed, Ms2m, Hf},
-                 {Es2m, Es6m, UnmarkedComputed, Ms2m},
-                 {Es2m, Ms2m},
-                 {Es2m, Es6m}},
-        // The call is only what a "login:" line would be answered with; the
-        // program's web-only marker does not switch the replay to web columns.
-        PaneCase{"own_call_web_marker",
-                 {"--call", "!nocall!"},
-                 Session,
-                 {Es2m, Es6m, Unmarked, Ms2m, Hf},
-                 {Es2m, Es6m, Unmarked, Ms2m},
-                 {Es2m, Ms2m},
-                 {Es2m, Es6m}},
+                 QStringList{Es2m, Es6m, UnmarkedComputed} + Prompt + QStringList{Ms2m, Hf},
+                 QStringList{Es2m, Es6m, UnmarkedComputed} + Prompt + QStringList{Ms2m},
+                 QStringList{Es2m} + Prompt + QStringList{Ms2m},
+                 QStringList{Es2m, Es6m} + Prompt},
         PaneCase{"web_page",
                  {"--web"},
                  webPage({Web6mRow, WebHfRow}),
@@ -185,13 +190,9 @@ TEST_F(CliTest, ReadsStandardInputWithoutFileOrWithADash) {
 }
 
 TEST_F(CliTest, JsonCarriesTheSegmentsWithTheirColours) {
-    // A line ending in ">", code 131, code 0 passes the cluster's prompt test
-    // (its codes read "621310"), so it is printed as a prompt, in blue. Being
-    // last, it shows only through the display refresh at the end of the run.
     const QByteArray quoting =
         "DX de SP9HWY:    50150.0  OH1XYZ       JO62QM<ES>KP20   \"q\\\"  1714Z\r\n";
-    const QByteArray prompt("GB7TST dxspider >\x83\0\r\n", 20);
-    const Result r = runCli({"--json", "--locator", "JO62QM", write(Session + quoting + prompt)});
+    const Result r = runCli({"--json", "--locator", "JO62QM", write(Session + quoting)});
     ASSERT_EQ(r.exitCode, 0);
     QJsonParseError error;
     const QJsonDocument document = QJsonDocument::fromJson(r.out.toUtf8(), &error);
@@ -203,12 +204,7 @@ TEST_F(CliTest, JsonCarriesTheSegmentsWithTheirColours) {
     }
 
     const QJsonArray all = panes.at(0).toObject().value("lines").toArray();
-    ASSERT_EQ(all.size(), 12);
-    // Newest first: the prompt with three empty lines on each side, then the
-    // spots.
-    for (int i : {0, 1, 2, 4, 5}) {
-        EXPECT_EQ(all.at(i).toArray(), QJsonArray()) << i;
-    }
+    ASSERT_EQ(all.size(), 13);
     // Compared as JSON text, which a failure prints readably.
     const auto json = [](const QJsonValue &line) {
         return QString(QJsonDocument(line.toArray()).toJson(QJsonDocument::Compact));
@@ -216,22 +212,87 @@ TEST_F(CliTest, JsonCarriesTheSegmentsWithTheirColours) {
     const auto segment = [](const QString &text, const char *colour) {
         return QJsonArray{text, colour};
     };
-    EXPECT_EQ(json(all[3]),
-              json(QJsonArray(
-                  {segment("GB7TST dxspider >" + QString(QChar(0x83)) + QChar(0), "#0000FF")})));
-    EXPECT_TRUE(all[6][2][0].toString().contains("\"q\\\"  1714Z    MUF= 64MHz"));
+    EXPECT_TRUE(all[0][2][0].toString().contains("\"q\\\"  1714Z    MUF= 64MHz"));
     // The 2 m Es spot: own square highlighted, the fields magenta from a MUF
     // of 144 MHz or more, the equally coloured fields joined into one.
     EXPECT_EQ(
-        json(all[7]),
+        json(all[1]),
         json(QJsonArray({segment(Es2m.left(33), "#000000"), segment("JO62", "#FF00FF"),
                          segment(Es2m.mid(37, 32), "#000000"), segment(Es2m.mid(69), "#FF00FF")})));
     // The 6 m one stays black but for the own square.
-    EXPECT_EQ(json(all[8]),
+    EXPECT_EQ(json(all[2]),
               json(QJsonArray({segment(Es6m.left(33), "#000000"), segment("JO62", "#FF00FF"),
                                segment(Es6m.mid(37), "#000000")})));
-    // The prompt goes into every pane, whatever its band.
-    EXPECT_EQ(panes.at(2).toObject().value("lines").toArray().at(3), all.at(3));
+    // The prompt is blue, in every pane whatever its band.
+    EXPECT_EQ(json(all[7]), json(QJsonArray({segment(Prompt[3], "#0000FF")})));
+    EXPECT_EQ(panes.at(2).toObject().value("lines").toArray().at(4), all.at(7));
+}
+
+// One object per spot, in the order the spots came, with the Es path.
+TEST_F(CliTest, JsonLinesGiveEverySpotAsItsOwnObject) {
+    const Result r = runCli({"--jsonl", "--locator", "JO62QM", write(Session)});
+    ASSERT_EQ(r.exitCode, 0);
+    const QStringList lines = r.out.split('\n', Qt::SkipEmptyParts);
+    ASSERT_EQ(lines.size(), 5); // the spot without a frequency is no spot
+    QList<QJsonObject> spots;
+    for (const QString &line : lines) {
+        QJsonParseError error;
+        spots.append(QJsonDocument::fromJson(line.toUtf8(), &error).object());
+        ASSERT_EQ(error.error, QJsonParseError::NoError) << line.toStdString();
+    }
+    EXPECT_EQ(spots[0].value("dx"), "EA7KW");
+    EXPECT_EQ(spots[0].value("es"), QJsonValue::Null);
+    EXPECT_EQ(spots[0].value("panes").toArray(), QJsonArray{"All"});
+    const QJsonObject es6m = spots[3];
+    EXPECT_EQ(es6m.value("spotter"), "SP9HWY");
+    EXPECT_DOUBLE_EQ(es6m.value("frequency_mhz").toDouble(), 50.15);
+    EXPECT_EQ(es6m.value("mode"), "ES");
+    EXPECT_EQ(es6m.value("locators").toArray(), (QJsonArray{"JO62QM", "KP20??"}));
+    // The hand-worked path of the analysis tests.
+    const QJsonObject path = es6m.value("es").toObject();
+    EXPECT_EQ(path.value("cloud").toString().left(4), "JO96");
+    EXPECT_NEAR(path.value("muf_mhz").toDouble(), 63.57, 0.06);
+    EXPECT_NEAR(path.value("own_muf_mhz").toDouble(), 50.15, 0.06);
+    EXPECT_NEAR(path.value("azimuth").toDouble(), 34.05, 0.06);
+    EXPECT_NEAR(path.value("elevation").toDouble(), 8.36, 0.06);
+    EXPECT_NEAR(path.value("own_km").toDouble(), 565.5, 0.6);
+    EXPECT_EQ(path.value("far").toString().left(4), "KP20");
+    EXPECT_EQ(es6m.value("panes").toArray(), (QJsonArray{"All", "VHF", "Es"}));
+    QString printed;
+    for (const QJsonValue &run : es6m.value("runs").toArray()) {
+        printed += run[0].toString();
+    }
+    EXPECT_EQ(printed, Es6m);
+    EXPECT_EQ(spots[4].value("es").toObject().value("muf_mhz").toDouble() >= 144, true);
+}
+
+// Live: logs in, takes the spots as they come, and ends after --seconds or
+// on SIGTERM with the panes printed.
+TEST_F(CliTest, LiveClusterUntilTheTimeIsUpOrATermSignal) {
+    for (const bool bySignal : {false, true}) {
+        LocalClusterServer node;
+        QProcess tool;
+        QStringList arguments{"--locator", "JO62QM", "--call", "DL1ABC", "--cluster",
+                              QString("127.0.0.1:%1").arg(node.port())};
+        arguments += bySignal ? QStringList{} : QStringList{"--seconds", "3", "--jsonl"};
+        tool.start(QStringLiteral(ZKR_MUF_CLI), arguments);
+        ASSERT_TRUE(zkr::test::waitFor([&] { return node.logins() == QStringList{"DL1ABC"}; }));
+        node.send("DX de SP9HWY:    50150.0  OH1XYZ       JO62QM<ES>KP20                 1712Z\r\n");
+        if (bySignal) {
+            QTest::qWait(300);
+            tool.terminate();
+        }
+        ASSERT_TRUE(zkr::test::waitFor([&] { return tool.state() == QProcess::NotRunning; }));
+        EXPECT_EQ(tool.exitCode(), 0);
+        const QString out = QString::fromUtf8(tool.readAllStandardOutput());
+        if (bySignal) {
+            EXPECT_TRUE(out.startsWith("== All ==\n")) << out.toStdString();
+            EXPECT_TRUE(out.contains(Es6m)) << out.toStdString();
+        } else {
+            EXPECT_TRUE(out.startsWith("{\"time\":\"1712\",\"spotter\":\"SP9HWY\"")) << out.toStdString();
+            EXPECT_EQ(out.count('\n'), 1);
+        }
+    }
 }
 
 TEST_F(CliTest, HelpOrStatusTwoForWrongArgumentsAndUnreadableFiles) {
@@ -253,6 +314,11 @@ TEST_F(CliTest, HelpOrStatusTwoForWrongArgumentsAndUnreadableFiles) {
         {{"--locator", "JO62QM", "--verbose", session}, "Unknown option 'verbose'"},
         {{"--locator", "JO62QM", "--call", " ", session}, "call sign given with --call is empty"},
         {{"--locator", "JO62QM", session, session}, "only one FILE"},
+        {{"--locator", "JO62QM", "--json", "--jsonl", session}, "exclude each other"},
+        {{"--locator", "JO62QM", "--call", "DL1ABC", "--cluster", "host"}, "HOST:PORT"},
+        {{"--locator", "JO62QM", "--cluster", "127.0.0.1:7300"}, "--call CALL"},
+        {{"--locator", "JO62QM", "--call", "X", "--cluster", "h:1", session}, "no FILE"},
+        {{"--locator", "JO62QM", "--seconds", "5", session}, "goes with --cluster"},
     };
     for (const auto &c : cases) {
         const Result r = runCli(c.arguments);

@@ -1,181 +1,462 @@
-#include "PaneView.h"
+// The main window and the windows it opens, in a program started by the test.
+#include "FrmTelnet.h"
 #include "ProgramEnded.h"
-#include "ProgramState.h"
-#include "QtPrinters.h"
-#include "ScriptedPlatform.h"
 #include "ShellFakes.h"
-#include "SiteDefaults.h"
-#include "frmZKR_MUF.h"
+#include "frmZKR_MUF_Setup.h"
 
 #include <QCheckBox>
-#include <QFontMetrics>
-#include <QLabel>
+#include <QDir>
+#include <QLineEdit>
+#include <QPlainTextEdit>
 #include <QTabWidget>
-#include <QTemporaryDir>
-#include <QTimer>
-
-#include <gtest/gtest.h>
+#include <QTreeWidget>
 
 namespace zkr {
 namespace {
 
-QColor background(const QWidget *widget) {
-    return widget->palette().color(widget->backgroundRole());
-}
+using test::waitFor;
 
-// Puts one committed line into working pane i, as an evaluation would.
-void printInto(frmZKR_MUF &window, int i, const QString &text) {
-    window.workingPane(i).insertColored(text + QStringLiteral("\r\n"), 0);
-    window.workingPane(i).setCaret(0);
-    window.refreshPanes();
-}
-
-class MainWindowTest : public ::testing::Test {
-protected:
-    MainWindowTest() {
-        state_.IniFilePath = dir_.filePath(QStringLiteral("zkr_muf.ini"));
-        window_.setSpotPageEvaluation([this] { ++evaluations_; });
-    }
-    template <class T> T *child(const char *name) {
-        return window_.findChild<T *>(QLatin1String(name));
-    }
-
-    QTemporaryDir dir_;
-    ProgramState state_;
-    ScriptedPlatform platform_;
-    frmZKR_MUF window_{state_, platform_};
-    int evaluations_ = 0;
-};
-
-TEST_F(MainWindowTest, HasItsControlsCaptionsColoursAndTabOrder) {
-    const std::pair<const char *, const char *> captions[] = {
-        {"Command_End", "&EXIT"},
-        {"About", "&About"},
-        {"Setup", "&Setup"},
-        {"Check_Over144MHZOnly", "only spots >= 144&MHz"},
-        {"Check_EsSpotsOnly", "only Es-spo&ts"}};
-    for (const auto &[name, caption] : captions) {
-        ASSERT_NE(child<QAbstractButton>(name), nullptr) << name;
-        EXPECT_EQ(child<QAbstractButton>(name)->text(), QLatin1String(caption));
-    }
-    QTabWidget *tabs = window_.SSTab1();
-    const char *tabCaptions[] = {"All", "VHF", "2m", "Es"};
-    ASSERT_EQ(tabs->count(), 4);
-    for (int i = 0; i < 4; ++i) {
-        EXPECT_EQ(tabs->tabText(i), QLatin1String(tabCaptions[i]));
-        ASSERT_NE(window_.displayPane(i), nullptr);
-        EXPECT_EQ(window_.displayPane(i)->parentWidget(), tabs->widget(i));
-        // The visible pane shows its working pane.
-        EXPECT_EQ(window_.displayPane(i)->source(), &window_.workingPane(i));
-    }
-    for (const char *name :
-         {"Label_Telnet_Status", "Label_OwnCall", "Label_OwnLocator", "Label2"}) {
-        ASSERT_NE(child<QLabel>(name), nullptr) << name;
-        EXPECT_TRUE(child<QLabel>(name)->isHidden()) << name;
-    }
-    // Colours are kept as &H00BBGGRR: &HC0C000 is teal, &HC0FFFF light yellow.
-    EXPECT_EQ(background(child<QLabel>("Label_OwnCall")), QColor(0, 192, 192));
-    EXPECT_EQ(background(child<QCheckBox>("Check_EsSpotsOnly")), QColor(0, 192, 192));
-    EXPECT_EQ(background(child<QLabel>("Label2")), QColor(255, 255, 192));
-
-    QStringList order{QStringLiteral("Setup")}; // keyboard order of the buttons
-    QWidget *widget = child<QWidget>("Setup");
-    while (order.size() < 3) {
-        do {
-            widget = widget->nextInFocusChain();
-        } while (!(widget->focusPolicy() & Qt::TabFocus));
-        order << widget->objectName();
-    }
-    EXPECT_EQ(order, (QStringList{QStringLiteral("Setup"), QStringLiteral("About"),
-                                  QStringLiteral("Command_End")}));
-}
-
-TEST_F(MainWindowTest, LayoutPassesFollowTheRunMode) {
-    struct Case {
+// Font sizes and cleared panes per mode are checked where the setup switches modes.
+TEST(MainWindow, LayoutPassesFollowTheRunMode) {
+    const struct {
         const char *mode;
-        bool second;
-        int fontSize;
-        bool cleared, statusShown, timerOn, label2Shown;
+        bool second, web, timerOn; // web: the status and work labels are shown
         int tab;
         bool fileMode;
-        int evaluations;
+        bool fetches; // the web page is asked for at once
+    } cases[] = {
+        {"WEBCLUSTER", false, true, false, 2, false, false},
+        {"TELNETCLUSTER", true, false, false, 0, false, false},
+        {"FILE", false, false, false, 0, true, false},
+        {"webcluster", true, true, true, 2, false, true}, // last: its fetch goes on
     };
-    const Case cases[] = {
-        {"WEBCLUSTER", false, 8, true, true, false, true, 2, false, 0},
-        {"webcluster", true, 8, true, true, true, true, 2, false, 1},
-        {"TELNETCLUSTER", true, 10, false, false, false, false, 0, false, 0},
-        {"FILE", false, 10, false, false, false, false, 0, true, 0},
-    };
-    auto *label2 = child<QLabel>("Label2");
-    auto *status = child<QLabel>("Label_Telnet_Status");
-    for (const Case &c : cases) {
+    test::ProgramRig rig;
+    frmZKR_MUF &window = rig.window;
+    auto *label2 = rig.child<QLabel>("Label2");
+    const auto filters = window.centralWidget()->findChildren<QCheckBox *>();
+    for (const auto &c : cases) {
         SCOPED_TRACE(c.mode);
-        state_.RunMode = QLatin1String(c.mode);
-        state_.FileMode_Active = false;
-        evaluations_ = 0;
-        for (int i = 0; i < 4; ++i) {
-            printInto(window_, i, QStringLiteral("spot"));
-            window_.displayPane(i)->setFont(QFont(QStringLiteral("Monospace"), 12));
-        }
-        window_.SSTab1()->setCurrentIndex(2);
+        rig.state.RunMode = c.mode;
+        rig.state.FileMode_Active = false;
         label2->setVisible(true);
-        window_.Timer1()->start();
-        for (QCheckBox *filter : window_.centralWidget()->findChildren<QCheckBox *>()) {
-            filter->setVisible(true);
-            filter->setEnabled(true);
-            filter->setChecked(true);
-        }
+        rig.child<QLabel>("Label_Telnet_Status")->clear();
+        window.SSTab1()->setCurrentIndex(2);
+        window.Timer1()->start();
         if (c.second) {
-            window_.layoutByMode();
+            window.layoutByMode();
         } else {
-            window_.Timer1()->stop();
-            window_.layoutInitial();
+            window.Timer1()->stop();
+            window.layoutInitial();
         }
-
-        for (int i = 0; i < 4; ++i) {
-            EXPECT_EQ(window_.displayPane(i)->font().pointSize(), c.fontSize);
-            EXPECT_EQ(window_.displayPane(i)->text().isEmpty(), c.cleared);
-            const QFontMetrics metrics(window_.displayPane(i)->font()); // columns line up
-            EXPECT_EQ(metrics.horizontalAdvance(QLatin1Char('i')),
-                      metrics.horizontalAdvance(QLatin1Char('W')));
-        }
-        for (QCheckBox *filter : window_.centralWidget()->findChildren<QCheckBox *>()) {
+        for (QCheckBox *filter : filters) {
             EXPECT_TRUE(filter->isHidden() && !filter->isEnabled() && !filter->isChecked());
         }
-        EXPECT_EQ(!status->isHidden(), c.statusShown);
-        if (c.statusShown) {
-            EXPECT_EQ(status->text(), QStringLiteral("Listen to ") + site::WebClusterBase);
-            EXPECT_EQ(background(status), QColor(255, 255, 0));
-        }
-        EXPECT_EQ(window_.Timer1()->isActive(), c.timerOn);
-        EXPECT_EQ(!label2->isHidden(), c.label2Shown);
-        EXPECT_EQ(window_.SSTab1()->currentIndex(), c.tab);
-        EXPECT_EQ(state_.FileMode_Active, c.fileMode);
-        EXPECT_EQ(evaluations_, c.evaluations);
+        EXPECT_EQ(!rig.child("Label_Telnet_Status")->isHidden(), c.web);
+        EXPECT_EQ(rig.label("Label_Telnet_Status") == "Listen to " + site::WebClusterBase, c.web);
+        EXPECT_EQ(window.Timer1()->isActive(), c.timerOn);
+        EXPECT_EQ(!label2->isHidden(), c.web);
+        EXPECT_EQ(window.SSTab1()->currentIndex(), c.tab);
+        EXPECT_EQ(rig.state.FileMode_Active, c.fileMode);
+        EXPECT_EQ(window.sources().web().isBusy(), c.fetches);
     }
 }
 
-TEST_F(MainWindowTest, ExitAndClosingTheWindowBothSavePositionAndTab) {
+TEST(MainWindow, ExitAndClosingTheWindowBothSavePositionAndTab) {
     for (const bool byFrame : {false, true}) {
-        ProgramState state;
-        state.IniFilePath = state_.IniFilePath;
-        frmZKR_MUF window(state, platform_);
-        window.move(123, 45);
-        window.SSTab1()->setCurrentIndex(2);
+        test::ProgramRig rig;
+        rig.state.IniFilePath = rig.folder.filePath("zkr_muf.ini");
+        rig.window.move(123, 45);
+        rig.window.SSTab1()->setCurrentIndex(2);
         if (byFrame) {
-            EXPECT_THROW(window.close(), ProgramEnded);
+            EXPECT_THROW(rig.window.close(), ProgramEnded);
         } else {
-            EXPECT_THROW(window.Command_End_Click(), ProgramEnded);
+            EXPECT_THROW(rig.window.Command_End_Click(), ProgramEnded);
         }
-        EXPECT_EQ(test::readBytes(state.IniFilePath),
-                  QByteArrayLiteral("[Position]\r\nLeft=123\r\nTop=45\r\nSSTAB=2\r\n"));
-        EXPECT_TRUE(state.Busy);
-        auto *status = window.findChild<QLabel *>(QStringLiteral("Label_Telnet_Status"));
-        EXPECT_EQ(status->text(), QStringLiteral(" Not connected ! Click to Check Setup or check "
-                                                 "your firewall settings !"));
-        EXPECT_EQ(background(status), QColor(255, 0, 0));
-        EXPECT_TRUE(window.isHidden());
+        EXPECT_EQ(rig.ini(), "[Position]\r\nLeft=123\r\nTop=45\r\nSSTAB=2\r\n");
+        EXPECT_TRUE(rig.state.Busy && rig.window.isHidden());
+        EXPECT_EQ(rig.label("Label_Telnet_Status"),
+                  " Not connected ! Click to Check Setup or check your firewall settings !");
     }
+}
+
+// The service's page: its 79-character redirect script, then spots in the web columns.
+QByteArray spotPage(const QStringList &spots) {
+    const QByteArray script =
+        "setTimeout(function(){window.location.href = 'http://127.0.0.1/x';},180000);";
+    QByteArray page =
+        "<html><head><script>" + script.leftJustified(79, ' ') + "</script></head><body><pre>";
+    for (const QString &spot : spots) {
+        page += spot.toLatin1() + "\n";
+    }
+    return page + "</pre></body></html>";
+}
+
+QString webLine(const char *kilohertz, const char *dxCall, const char *comment) {
+    return QString("%1 %2 %3 %4 1712")
+        .arg("DL1ABC", -11)
+        .arg(kilohertz, 10)
+        .arg(dxCall, -12)
+        .arg(comment, -34);
+}
+
+// A good page, the same page again, an error page, then the good page.
+TEST(WebSource, EvaluatesNewPagesOnlyAndRecoversAfterAnErrorPage) {
+    test::ProgramRig rig;
+    const QByteArray good = spotPage({webLine("50110.0", "OH1XYZ", "JO90JR &lt;ES&gt; KP20"),
+                                      webLine("14074.0", "K1ABC", "FT8")});
+    rig.answer("/DxSpots.aspx", good);
+    rig.start("!NOCALL!"); // start-up in web mode runs the first evaluation
+    ASSERT_TRUE(rig.webIdle());
+    EXPECT_EQ(rig.state.RunMode, "WEBCLUSTER");
+    for (const char *shown : {"OH1XYZ", "<ES>", "MUF=", "K1ABC"}) {
+        EXPECT_TRUE(rig.pane(0).contains(shown)) << shown;
+    }
+    EXPECT_TRUE(rig.pane(2).contains("Sorry - no Es-spots found !"));
+    EXPECT_FALSE(rig.state.Web_Offline || rig.state.FirstFetch);
+
+    rig.window.workingPane(0).clear(); // an evaluation would fill it again
+    rig.window.refreshPanes();
+    rig.window.sources().Evaluate_SpotPage();
+    ASSERT_TRUE(rig.webIdle());
+    EXPECT_EQ(rig.pane(0), "");
+    EXPECT_TRUE(rig.state.FirstFetch);
+    EXPECT_EQ(rig.web.requestCount("/DxSpots.aspx"), 2);
+
+    rig.answer("/DxSpots.aspx", "<html><h1>Server Error</h1></html>", 500);
+    rig.window.sources().Evaluate_SpotPage();
+    ASSERT_TRUE(rig.webIdle());
+    for (int i = 0; i < 4; ++i) {
+        EXPECT_EQ(rig.pane(i), "The Webserver may be down !\r\n") << i;
+    }
+    EXPECT_EQ(rig.label("Label2"), "OFFLINE !");
+
+    rig.answer("/DxSpots.aspx", good);
+    rig.window.sources().Evaluate_SpotPage();
+    ASSERT_TRUE(rig.webIdle());
+    EXPECT_TRUE(rig.pane(0).contains("OH1XYZ"));
+    EXPECT_EQ(rig.platform.messages(), QStringList()); // no fetch went anywhere else
+}
+
+TEST(WebSource, UnreachableServerWarnsAndGoesOffline) {
+    test::ProgramRig rig;
+    // Nothing listens on port 1 of this machine.
+    rig.platform.setEnvironmentValue(site::WebClusterUrlVariable, "http://127.0.0.1:1/DxSpots");
+    rig.start("!NOCALL!");
+    ASSERT_TRUE(rig.webIdle());
+    EXPECT_TRUE(rig.platform.log().contains("msgbox 22 \"W a r n i n g !\" \"Can't connect. Make "
+                                            "sure url is correct or even if host exists.\" -> 2"))
+        << rig.platform.log().join('\n').toStdString();
+    EXPECT_EQ(rig.label("Label2"), "OFFLINE !");
+    EXPECT_TRUE(rig.state.Web_Offline && rig.state.FirstFetch);
+    EXPECT_FALSE(rig.state.Busy);
+}
+
+// The main window as the console sees it: every call is written down.
+struct FakeHost : FrmTelnet::Host {
+    QStringList calls;
+
+    void sendData(const QString &text) override { calls << "send " + text; }
+    void prepareFileReplay() override { calls << "prepareFileReplay"; }
+    void Replay_SpotFile() override { calls << "Replay_SpotFile"; }
+    void startWebRefresh() override { calls << "startWebRefresh"; }
+    void Evaluate_SpotPage() override { calls << "Evaluate_SpotPage"; }
+    void runStartup() override { calls << "runStartup"; }
+};
+
+// A console on the fake host, or (after startProgram) the program's own.
+struct ConsoleRig : test::ProgramRig {
+    FakeHost host;
+    FrmTelnet own{state, platform, host};
+    FrmTelnet *console = &own;
+
+    ConsoleRig() { state.Telnet_DebugFile = "Telnet_Debug_Datei.txt"; }
+    // The program in telnet mode, logged in at the cluster of this machine.
+    void startProgram() {
+        console = &window.sources().console();
+        start();
+        ASSERT_TRUE(
+            waitFor([&] { return label("Label_Telnet_Status").startsWith(" Connected to"); }));
+    }
+    template <class T = QWidget> T *control(const char *name) {
+        return console->findChild<T *>(QLatin1String(name));
+    }
+    QString text(const char *name) { return control(name)->property("text").toString(); }
+    void click(const char *name) { control<QPushButton>(name)->click(); }
+    QByteArray debugFile() { return test::readBytes(folder.filePath("Telnet_Debug_Datei.txt")); }
+};
+
+TEST(Console, EveryRecordingAppendsTheWholeRecordAsSingleBytes) {
+    ConsoleRig rig;
+    rig.state.Console_Lines = {"",
+                               "login: ", QString::fromLatin1("DX de G4ABC: 50110.0 S\xe9\r\n")};
+    const QByteArray once = "\r\nlogin: \r\nDX de G4ABC: 50110.0 S\xe9\r\n\r\n";
+    rig.click("CMD_Debug_Datei");
+    rig.click("CMD_Debug_Datei");
+    EXPECT_EQ(rig.debugFile(), once + once);
+    EXPECT_TRUE(rig.platform.messages().isEmpty());
+
+    // A folder in the file's place cannot be written: reported, not lost.
+    QFile::remove(rig.folder.filePath("Telnet_Debug_Datei.txt"));
+    ASSERT_TRUE(QDir(rig.folder.path()).mkdir("Telnet_Debug_Datei.txt"));
+    rig.click("CMD_Debug_Datei");
+    ASSERT_EQ(rig.platform.messages().size(), 1);
+    EXPECT_TRUE(rig.platform.messages()[0].startsWith("Run-time error"));
+}
+
+TEST(Console, ConnectKeepsOnlyTheWebModeAndStartsAgain) {
+    const std::tuple<const char *, const char *, QStringList> cases[] = {
+        {"WEBCLUSTER", "WEBCLUSTER", {"startWebRefresh", "Evaluate_SpotPage", "runStartup"}},
+        {"FILE", "TELNETCLUSTER", {"runStartup"}},
+        {"webcluster", "TELNETCLUSTER", {"runStartup"}}}; // an exact comparison
+    ConsoleRig rig;
+    for (const auto &[mode, modeAfter, calls] : cases) {
+        rig.state.RunMode = mode;
+        rig.host.calls.clear();
+        rig.click("Connect_Manuell");
+        EXPECT_EQ(rig.state.RunMode, modeAfter) << mode;
+        EXPECT_EQ(rig.host.calls, calls) << mode;
+    }
+}
+
+TEST(Console, TheRecordPaneTakesEveryLineEndTheDataFieldFilledWhenShown) {
+    ConsoleRig rig;
+    auto *pane = rig.control<QPlainTextEdit>("RichTextBox1");
+    rig.console->appendRecord("Welcome\r\n\r\nlogin: ");
+    rig.console->appendRecord("DL1ABC\r\nDX de\rDX de\n");
+    EXPECT_EQ(pane->toPlainText(), "Welcome\n\nlogin: DL1ABC\nDX de\nDX de\n");
+
+    // A hidden console shows the last spot line when shown, unless refilled since.
+    rig.console->setDataField("SP9HWY: 50110.0 OH1XYZ");
+    rig.console->show();
+    EXPECT_EQ(rig.text("txtdata"), "SP9HWY: 50110.0 OH1XYZ");
+    rig.console->hide();
+    rig.console->setDataField("SP9HWY: 50130.0 OH3XYZ");
+    rig.console->setFields("127.0.0.2", "8000", "DL2XYZ");
+    rig.console->show();
+    EXPECT_EQ(rig.text("txtdata"), "DL2XYZ");
+}
+
+TEST(Console, FollowsTheSessionAndSendsCommandsToTheCluster) {
+    ConsoleRig rig;
+    rig.startProgram();
+    EXPECT_FALSE(rig.console->isVisible()); // loaded, not shown
+    EXPECT_EQ(rig.text("txtport"), QString::number(rig.node.port()));
+    EXPECT_EQ(rig.text("Label6"), " Connected");
+    EXPECT_TRUE(rig.control<QPlainTextEdit>("RichTextBox1")->toPlainText().contains("dxspider >"));
+    // Loaded again while connected, it says so in its title.
+    EXPECT_EQ(FrmTelnet(rig.state, rig.platform, rig.host).windowTitle(), "Connected");
+
+    rig.click("Command1");
+    EXPECT_TRUE(waitFor([&] { return rig.node.received() == "SH/FDX/20 on vhf\r\n"; }));
+    rig.click("CMD_Debug_Datei"); // the empty element 0 first, then the chunks
+    EXPECT_TRUE(rig.debugFile().startsWith("\r\nWelcome to the test node"));
+    EXPECT_TRUE(rig.debugFile().endsWith(LocalClusterServer::prompt("DL1ABC") + "\r\n"));
+
+    rig.node.closeClients();
+    EXPECT_TRUE(waitFor([&] { return rig.text("Label6") == "not connected"; }));
+}
+
+TEST(Console, LoadingADebugFileSwitchesToFileModeAndConnectGoesBack) {
+    ConsoleRig rig;
+    rig.startProgram();
+    const QString path = rig.folder.filePath("recorded.txt");
+    test::writeBytes(path, "\r\nDX de SP9HWY:    50110.0  OH1XYZ       JO90JR<ES>KP20          "
+                           "       1712Z\r\n\r\n");
+    rig.window.Timer1()->start(); // what the replay must switch off
+    rig.platform.answerFileDialog(path);
+    rig.click("CMD_Debug_Datei_laden");
+    EXPECT_EQ(rig.state.RunMode, "FILE");
+    EXPECT_FALSE(rig.window.Timer1()->isActive());
+    EXPECT_TRUE(waitFor([&] { return rig.pane(0).contains("OH1XYZ"); }));
+    EXPECT_TRUE(rig.state.Telnet_Connected); // the session is left open
+
+    rig.click("Connect_Manuell");
+    EXPECT_EQ(rig.state.RunMode, "TELNETCLUSTER");
+    EXPECT_TRUE(waitFor([&] { return rig.node.logins().size() == 2; }));
+}
+
+struct SetupRig : test::ProgramRig {
+    frmZKR_MUF_Setup &setup() { return window.setupWindow(); }
+    template <class T> T *field(const char *name) {
+        return setup().findChild<T *>(QLatin1String(name));
+    }
+    QPushButton *button(const char *name) { return field<QPushButton>(name); }
+    bool green(const char *name) {
+        return button(name)->palette().color(QPalette::Button) == QColor(0, 255, 0);
+    }
+    void type(const char *name, const QString &text) {
+        field<QLineEdit>(name)->clear();
+        QTest::keyClicks(field<QLineEdit>(name), text);
+    }
+    // The Setup button; `inside` runs while the dialog is open.
+    void openSetup(const std::function<void(frmZKR_MUF_Setup &)> &inside) {
+        setup().setModalSession([&inside](frmZKR_MUF_Setup &dialog) {
+            dialog.show();
+            inside(dialog);
+        });
+        window.Setup_Click();
+    }
+};
+
+// The open dialog holds the web refresh timer until it is left with valid entries.
+TEST(SetupDialog, AnEditTurnsBothButtonsGreenAndAWrongLocatorIsRefused) {
+    SetupRig rig;
+    rig.start("!NOCALL!");
+    const QString before = rig.ini();
+    rig.openSetup([&](frmZKR_MUF_Setup &dialog) {
+        const QRect main = rig.window.frameGeometry();
+        EXPECT_EQ(dialog.frameGeometry().left(),
+                  main.left() + main.width() / 2 - dialog.frameGeometry().width() / 2);
+        EXPECT_FALSE(rig.button("Command_SaveConfig")->isEnabled() ||
+                     rig.green("Command_SaveConfig"));
+        rig.type("text_Call", "!NOCALL!");
+        EXPECT_EQ(rig.button("Command_ExitwWthoutSave")->text(), "&E X I T\r\n(disregard changes)");
+        EXPECT_TRUE(rig.button("Command_SaveConfig")->isEnabled());
+        EXPECT_TRUE(rig.green("Command_SaveConfig") && rig.green("Command_ExitwWthoutSave"));
+        rig.button("Command_ExitwWthoutSave")->click();
+    });
+    EXPECT_TRUE(!rig.setup().isVisible() && rig.window.Timer1()->isActive());
+
+    rig.openSetup([&](frmZKR_MUF_Setup &dialog) {
+        EXPECT_FALSE(rig.window.Timer1()->isActive());
+        rig.type("text_Locator", "JO6");
+        rig.platform.clearLog();
+        dialog.Command_SaveConfig_Click();
+        EXPECT_EQ(rig.platform.log(),
+                  QStringList({"beep 800 200", "arm centre",
+                               R"(msgbox 49 "" "Locator is not correct !" -> 1)"}));
+        EXPECT_EQ(rig.field<QLineEdit>("text_Locator")->text(), "");
+        EXPECT_TRUE(dialog.isVisible() && rig.state.Busy);
+        EXPECT_TRUE(rig.ini() == before && !rig.window.Timer1()->isActive());
+        rig.type("text_Locator", "jo62qm");
+        dialog.Command_SaveConfig_Click();
+    });
+    EXPECT_TRUE(!rig.state.Busy && rig.window.Timer1()->isActive());
+    EXPECT_TRUE(rig.ini().contains("OwnLocator=JO62QM\r\n"));
+}
+
+// With a spot in the panes, the user types a call sign and saves.
+TEST(SetupDialog, SavingSwitchesToTheSourceTheCallSignAsksFor) {
+    const struct {
+        const char *name, *startCall, *typed;
+        const char *answer; // to the call-sign prompt; none = no prompt
+        QString mode;
+        bool panesKept;
+        int fontSize;
+        const char *call;
+    } cases[] = {
+        {"unchanged call", "DL1ABC", "dl1abc", nullptr, "TELNETCLUSTER", true, 10, "DL1ABC"},
+        {"new call", "DL1ABC", "DL2XYZ", "dl2xyz", "TELNETCLUSTER", true, 10, "DL2XYZ"},
+        {"web to telnet", "!NOCALL!", "DL1ABC", "DL1ABC", "TELNETCLUSTER", false, 10, "DL1ABC"},
+        {"web only", "DL1ABC", "!nocall!", nullptr, "WEBCLUSTER", false, 8, "!NOCALL!"},
+        {"file", "DL1ABC", "!file!", nullptr, "FILE", false, 10, "QQ7ZKR"},
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE(c.name);
+        SetupRig rig;
+        rig.start(c.startCall);
+        const int loginsBefore = rig.state.RunMode == "TELNETCLUSTER" ? 1 : 0;
+        ASSERT_TRUE(waitFor([&] { return rig.node.logins().size() == loginsBefore; }));
+        rig.window.workingPane(0).insertColored(QStringLiteral("earlier spot\r\n"), 0);
+        rig.window.refreshPanes();
+        const QString recorded = rig.folder.filePath("recorded.txt");
+        test::writeBytes(recorded, "DX de SP9HWY:    50110.0  OH1XYZ       JO90JR<ES>KP20        "
+                                   "         1712Z\r\n");
+        rig.platform.answerFileDialog(recorded);
+        if (c.answer != nullptr) {
+            rig.platform.answerInputBox(QString(c.answer));
+        }
+        rig.platform.clearLog();
+
+        rig.openSetup([&](frmZKR_MUF_Setup &dialog) {
+            rig.type("text_Call", c.typed);
+            dialog.Command_SaveConfig_Click();
+        });
+
+        EXPECT_EQ(rig.platform.log().filter("inputbox").size(), c.answer != nullptr ? 1 : 0);
+        EXPECT_EQ(rig.state.RunMode, c.mode);
+        EXPECT_TRUE(rig.ini().contains(QString("OwnCall=%1\r\n").arg(c.call)));
+        EXPECT_EQ(rig.label("Label_OwnCall"), QString("CALL ") + c.call);
+        EXPECT_EQ(rig.pane(0).contains("earlier spot"), c.panesKept) << rig.pane(0).toStdString();
+        EXPECT_EQ(rig.window.displayPane(0)->font().pointSize(), c.fontSize);
+        EXPECT_EQ(rig.window.Timer1()->isActive(), c.mode == "WEBCLUSTER");
+        if (c.mode == "TELNETCLUSTER") {
+            EXPECT_TRUE(waitFor([&] { return rig.node.logins().value(loginsBefore) == c.call; }));
+        } else {
+            EXPECT_FALSE(rig.state.Telnet_Connected); // leaving the cluster ends its session
+        }
+        if (c.mode == "WEBCLUSTER") { // the next tick of the refresh timer fetches the list
+            EXPECT_TRUE(waitFor([&] { return rig.web.requestCount("/DxSpots.aspx") == 1; }));
+        }
+        if (c.mode == "FILE") {
+            EXPECT_TRUE(waitFor([&] { return rig.pane(0).contains("OH1XYZ"); })); // replayed
+        }
+    }
+}
+
+// A first start opens the dialog on the cluster list, then shows it once more, fresh.
+TEST(SetupDialog, FirstRunPicksAClusterFromTheListAndShowsTheDialogAgain) {
+    SetupRig rig;
+    const QString listFile = rig.setup().clusterListPath();
+    test::writeBytes(listFile,
+                     QString("DX-Cluster|Host|Port\r\nGB7DJK|gb7djk.dxcluster.net|7300\r\n"
+                             "GB7TST|127.0.0.1|%1\r\n")
+                         .arg(rig.node.port())
+                         .toLatin1());
+    rig.platform.answerInputBox(QString("dl1abc"));
+    rig.platform.answerInputBox(QString("JO62QM"));
+    auto *list = rig.field<QTreeWidget>("ListView1");
+    auto marked = [list](int row) { return list->topLevelItem(row)->font(2).bold(); };
+    int sessions = 0;
+    rig.setup().setModalSession([&](frmZKR_MUF_Setup &dialog) {
+        ++sessions;
+        ASSERT_EQ(list->topLevelItemCount(), 2);
+        EXPECT_TRUE(marked(0)); // the built-in cluster
+        dialog.ListView1_ItemClick(list->topLevelItem(1));
+        EXPECT_TRUE(!marked(0) && rig.green("Command_SaveConfig"));
+        dialog.Command_SaveConfig_Click();
+    });
+    rig.window.Form_Load();
+
+    EXPECT_EQ(sessions, 1);
+    EXPECT_EQ(rig.web.requestCount("/download.html"), 1); // the update check, once
+    EXPECT_TRUE(rig.setup().isVisible());                 // shown again after the start-up
+    EXPECT_EQ(rig.button("Command_ExitwWthoutSave")->text(), "&E X I T");
+    EXPECT_TRUE(marked(1) && !marked(0));
+    EXPECT_TRUE(rig.ini().contains(
+        QString("Telnet_Call=GB7TST\r\nTelnet_Host=127.0.0.1\r\nTelnet_Port=%1\r\n")
+            .arg(rig.node.port())));
+    EXPECT_TRUE(rig.ini().contains("[AutoUpdateCheck]\r\nUpdateCheck=on\r\n"));
+    EXPECT_TRUE(waitFor([&] { return rig.node.logins().contains("DL1ABC"); }));
+
+    // Opened again, the dialog reads the settings again: no second check.
+    rig.openSetup([](frmZKR_MUF_Setup &dialog) { dialog.Command_ExitwWthoutSave_Click(); });
+    EXPECT_EQ(rig.web.requestCount("/download.html"), 1); // no check without a change
+}
+
+// Ticking the box stores it and checks at once; the button reports a failed fetch.
+TEST(SetupDialog, UpdateCheckOnTheBoxAndTheButton) {
+    SetupRig rig;
+    rig.start();
+    rig.answer("/download.html", "<h2>ZKR_MUF V1.31</h2>");
+    rig.platform.answerMessageBox(7); // No
+    rig.openSetup([&](frmZKR_MUF_Setup &dialog) {
+        for (const char *stored : {"on", "off"}) {
+            rig.field<QCheckBox>("CheckBox_AutoUpdate")->click();
+            EXPECT_TRUE(
+                rig.ini().contains(QString("[AutoUpdateCheck]\r\nUpdateCheck=%1\r\n").arg(stored)));
+        }
+        rig.state.UpdatePage_Url = "http://127.0.0.1:1/download.html";
+        dialog.CommandButton_Check_for_Updates_Click();
+        dialog.Command_ExitwWthoutSave_Click();
+    });
+    EXPECT_EQ(rig.platform.messages(),
+              QStringList({"Version  V1.31  is available !  \r\nDo you want to open the download "
+                           "page in your web browser ?\r\n",
+                           "Can't connect. Make sure url is correct or even if host exists.",
+                           "No updates available. You have the latest version !"}));
+    EXPECT_EQ(rig.web.requestCount("/download.html"), 1);
+    EXPECT_TRUE(rig.platform.log().filter("openurl").isEmpty());
 }
 
 } // namespace

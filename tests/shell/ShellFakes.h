@@ -1,73 +1,26 @@
 #pragma once
 
-#include "MainWindowLink.h"
-#include "SettingsFile.h"
-#include "SetupDialogLink.h"
-#include "StartupWindow.h"
+#include "IniFile.h"
+#include "LocalClusterServer.h"
+#include "LocalHttpServer.h"
+#include "PaneView.h"
+#include "ProgramState.h"
+#include "QtPrinters.h"
+#include "ScriptedPlatform.h"
+#include "SiteDefaults.h"
+#include "SpotSources.h"
+#include "WaitFor.h"
+#include "frmZKR_MUF.h"
 
 #include <QFile>
-#include <QStringList>
+#include <QLabel>
+#include <QPushButton>
+#include <QTemporaryDir>
+#include <QTimer>
+
+#include <gtest/gtest.h>
 
 namespace zkr::test {
-
-// Records what the settings code asks of the setup dialog.
-class RecordingSetupDialog : public SetupDialogLink {
-public:
-    QStringList events;
-    QString call, locator;
-
-    QString callText() const override { return call; }
-    void setCallText(const QString &text) override { call = text; }
-    QString locatorText() const override { return locator; }
-    void setLocatorText(const QString &text) override { locator = text; }
-    bool isAutoUpdateChecked() const override { return false; }
-    void setAutoUpdateChecked(bool on) override {
-        events << QStringLiteral("autoupdate %1").arg(on);
-    }
-    void Setup_Click() override { events << QStringLiteral("Setup_Click"); }
-    void showInFront() override {}
-    void setSaveEnabled(bool) override {}
-    void centreOver(const QRect &) override {}
-    void unload() override {}
-};
-
-// A main window without widgets: the settings steps of the start-up run for
-// real, the rest is recorded.
-class FakeMainWindow : public StartupWindow, public MainWindowLink {
-public:
-    FakeMainWindow(ProgramState &state, Platform &platform)
-        : settings(state, platform, *this, setup) {}
-
-    RecordingSetupDialog setup;
-    SettingsFile settings;
-    QStringList calls;
-    QString callCaption;
-    int left = 100, top = 50, tab = 0;
-    bool minimized = false;
-
-    void setMainCaption(const QString &) override {}
-    void setTimerInterval(int) override {}
-    void setTimerEnabled(bool) override {}
-    void layoutInitial() override { settings.Read_Position(); }
-    void checkSettingsFile() override { settings.Check_SettingsFile(); }
-    void showOwnCallLabels(const QString &call, const QString &) override { callCaption = call; }
-    void selectTab(int index) override { tab = index; }
-    void setSetupSaveEnabled(bool) override {}
-    QSize mainWindowSize() override { return QSize(800, 600); }
-    void moveMainWindow(QPoint) override {}
-    void centreDialogsOverMain() override {}
-    void prepareDeveloperConsole() override {}
-    void layoutByMode() override {}
-    void telnetConnect() override {}
-    void replaySpotFile() override {}
-
-    int windowLeft() const override { return left; }
-    int windowTop() const override { return top; }
-    bool isWindowMinimized() const override { return minimized; }
-    int selectedTab() const override { return tab; }
-    void Winsock_Close() override { calls << QStringLiteral("Winsock_Close"); }
-    void unloadAllWindows() override { calls << QStringLiteral("unloadAllWindows"); }
-};
 
 inline QByteArray readBytes(const QString &path) {
     QFile file(path);
@@ -78,5 +31,46 @@ inline bool writeBytes(const QString &path, const QByteArray &bytes) {
     QFile file(path);
     return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
 }
+
+// The program in a folder of its own; its cluster and web server on this machine.
+struct ProgramRig {
+    QTemporaryDir folder;
+    LocalClusterServer node;
+    LocalHttpServer web;
+    ProgramState state;
+    ScriptedPlatform platform;
+    frmZKR_MUF window{state, platform};
+
+    ProgramRig() {
+        platform.setApplicationFolder(folder.path());
+        platform.setEnvironmentValue(site::WebClusterUrlVariable, web.url("/DxSpots.aspx"));
+        platform.setEnvironmentValue(site::DownloadPageUrlVariable, web.url("/download.html"));
+        window.sources().web().setOptions({11, 300, 600, 600});
+        window.sources().updateWeb().setOptions({11, 300, 600, 600});
+    }
+    // Starts with settings of this own call, using the cluster of this machine.
+    void start(const QString &ownCall = "DL1ABC", const QString &updateCheck = "off") {
+        LocalClusterServer::writeSettings(folder.path(), node.port());
+        Ini_Write("Call", "OwnCall", ownCall, folder.filePath("zkr_muf.ini"));
+        Ini_Write("AutoUpdateCheck", "UpdateCheck", updateCheck, folder.filePath("zkr_muf.ini"));
+        window.Form_Load();
+    }
+    void answer(const QString &path, const QByteArray &body, int status = 200) {
+        LocalHttpServer::Response response;
+        response.status = status;
+        response.body = body;
+        web.setResponse(path, response);
+    }
+    QString ini() const { return QString::fromLatin1(readBytes(state.IniFilePath)); }
+    QString pane(int i) const { return window.displayPane(i)->text(); }
+    template <class T = QWidget> T *child(const char *name) {
+        return window.findChild<T *>(QLatin1String(name));
+    }
+    QString label(const char *name) { return child<QLabel>(name)->text(); }
+    // The web fetch under way, if any, has ended.
+    bool webIdle() {
+        return waitFor([this] { return !window.sources().web().isBusy(); });
+    }
+};
 
 } // namespace zkr::test

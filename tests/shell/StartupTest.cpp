@@ -1,285 +1,258 @@
 #include "Startup.h"
-#include "ProgramState.h"
-#include "QtPrinters.h"
-#include "ScriptedPlatform.h"
-#include "SiteDefaults.h"
-#include "SpotLineParsing.h"
+#include "MainWindowLink.h"
+#include "ProgramEnded.h"
+#include "SettingsFile.h"
+#include "SetupDialogLink.h"
+#include "ShellFakes.h"
 #include "StartupWindow.h"
 
-#include <gmock/gmock.h>
-#include <gtest/gtest.h>
+#include <QFileInfo>
 
-#include <functional>
-
-using namespace zkr;
-using ::testing::ElementsAre;
-
+namespace zkr {
 namespace {
 
-// Records the calls start-up makes into the window, in order; the settings
-// step runs a scripted stand-in for the settings file.
-class RecordingWindow : public StartupWindow {
-public:
-    QStringList calls;
-    std::function<void()> onCheckSettings;
-    QPoint position{-1, -1};
-    QString caption;
-    int tab = -1;
+using test::readBytes;
 
-    void setMainCaption(const QString &text) override { caption = text; }
-    void setTimerInterval(int ms) override { calls << QStringLiteral("interval %1").arg(ms); }
-    void setTimerEnabled(bool on) override { calls << QStringLiteral("timer %1").arg(on); }
-    void layoutInitial() override { calls << QStringLiteral("layoutInitial"); }
-    void checkSettingsFile() override {
-        calls << QStringLiteral("checkSettingsFile");
-        if (onCheckSettings) {
-            onCheckSettings();
-        }
-    }
-    void showOwnCallLabels(const QString &call, const QString &locator) override {
-        calls << QStringLiteral("labels %1 / %2").arg(call, locator);
-    }
-    void selectTab(int index) override { tab = index; }
-    void setSetupSaveEnabled(bool on) override { calls << QStringLiteral("setupSave %1").arg(on); }
-    QSize mainWindowSize() override { return {1000, 600}; }
-    void moveMainWindow(QPoint topLeft) override { position = topLeft; }
-    void centreDialogsOverMain() override { calls << QStringLiteral("centreDialogs"); }
-    void prepareDeveloperConsole() override { calls << QStringLiteral("console"); }
-    void layoutByMode() override { calls << QStringLiteral("layoutByMode"); }
-    void telnetConnect() override { calls << QStringLiteral("telnetConnect"); }
-    void replaySpotFile() override { calls << QStringLiteral("replay"); }
-};
+const QString Beep = "beep 800 200", Arm = "arm centre";
+const QString CallPrompt =
+    R"(inputbox "                                   ZKR_MUF" "What is YOUR call sign ?" "" -> )";
+const QString LocatorPrompt = R"(inputbox "" "What is your Locator ? " "JO62QM" -> )";
 
-struct StartupRun {
+QByteArray firstRunFile(const char *call) {
+    return QByteArray("[Version]\r\nVersion=1.30\r\n\r\n[Call]\r\nOwnCall=") + call +
+           "\r\n\r\n[Locator]\r\nOwnLocator=JO62QM\r\n\r\n[Telnet]\r\nTelnet_Call=" +
+           site::DefaultClusterCall.toLatin1() +
+           "\r\nTelnet_Host=" + site::DefaultClusterHost.toLatin1() +
+           "\r\nTelnet_Port=" + site::DefaultClusterPort.toLatin1() +
+           "\r\n\r\n[AutoUpdateCheck]\r\nUpdateCheck=on\r\n\r\n";
+}
+
+// A settings file of this call using the cluster stored.example.net:23.
+QByteArray storedFile(const QString &call, const QString &more = {}) {
+    return QString("[Version]\r\nVersion=1.30\r\n[Call]\r\nOwnCall=%1\r\n[Locator]\r\n"
+                   "OwnLocator=JO62QM\r\n[Telnet]\r\nTelnet_Host=stored.example.net\r\n"
+                   "Telnet_Port=23\r\n%2")
+        .arg(call, more)
+        .toLatin1();
+}
+
+// Main window and setup dialog without widgets: the settings steps run for real
+// on a file in a folder of its own, the other calls are written down.
+struct StartupRig : StartupWindow, MainWindowLink, SetupDialogLink {
+    QTemporaryDir dir;
+    QString ini = dir.filePath("zkr_muf.ini");
     ProgramState state;
     ScriptedPlatform platform;
-    RecordingWindow window;
+    SettingsFile settings{state, platform, *this, *this};
+    QStringList calls, setupEvents;
+    QPoint position{-1, -1};
+    int left = 100, top = 50, tab = 0;
+    bool minimized = false;
 
-    // Settings as the file would give them.
-    QString ownCall = QStringLiteral("DL1ABC");
-    QString posLeft, posTop, posTab = QStringLiteral("0");
-
-    StartupRun() {
-        platform.setApplicationFolder(QStringLiteral("/opt/zkr"));
-        window.onCheckSettings = [this] {
-            state.OwnCall = ownCall;
-            state.OwnLocator = QStringLiteral("JO62QM");
-            state.Pos_Left = posLeft;
-            state.Pos_Top = posTop;
-            state.Pos_SSTab = posTab;
-        };
-    }
-    void start(const QString &commandLine = QString()) {
-        platform.setCommandLine(commandLine);
-        Form_Load(state, platform, window);
-    }
-};
-
-TEST(Startup, SetsDefaultsAndConstants) {
-    StartupRun run;
-    run.start();
-    const ProgramState &s = run.state;
-    EXPECT_EQ(s.ProgramVersion, QStringLiteral("1.30"));
-    EXPECT_DOUBLE_EQ(s.ProgramVersion_Num, 1.3);
-    EXPECT_EQ(run.window.caption, QStringLiteral("ZKR_MUF V1.30      MUF Calculator by QQ7ZKR"));
-    EXPECT_EQ(s.IniFilePath, QStringLiteral("/opt/zkr/zkr_muf.ini"));
-    EXPECT_EQ(s.OwnLocator_Default, QStringLiteral("JO62QM"));
-    EXPECT_EQ(s.SpotLines.size(), 11);
-    EXPECT_EQ(s.Telnet_Lines.size(), 11);
-    EXPECT_EQ(s.SpotPrefix, QStringLiteral("DX de "));
-    EXPECT_EQ(s.MaxSpotLines, 250);
-    EXPECT_EQ(s.Telnet_DebugFile, QStringLiteral("Telnet_Debug_Datei.txt"));
-    EXPECT_EQ(s.EarthRadius, 6367);
-    EXPECT_EQ(s.EsLayerHeight, 110);
-    EXPECT_EQ(s.Distance_Limit, 1500);
-    EXPECT_DOUBLE_EQ(s.Deg2Rad * s.Rad2Deg, 1.0);
-    EXPECT_EQ(s.CrLf, QStringLiteral("\r\n"));
-    EXPECT_EQ(s.Color_Black, QStringLiteral("0"));
-    EXPECT_EQ(s.Color_Magenta, QStringLiteral("16711935"));
-    EXPECT_EQ(s.Color_Grey, QStringLiteral("11579568"));
-    EXPECT_EQ(s.MinFrequency_MHz, 144);
-    EXPECT_TRUE(s.Web_Offline);
-    EXPECT_FALSE(s.Busy);
-    EXPECT_FALSE(s.Eval_Flag);
-    EXPECT_EQ(s.WebCluster_Url, site::WebClusterUrl);
-    EXPECT_TRUE(s.WebCluster_Url.endsWith(QStringLiteral("/DxSpots.aspx?count=200&range=3")));
-    EXPECT_EQ(s.UpdatePage_Url, site::DownloadPageUrl);
-    EXPECT_EQ(s.Telnet_Call, site::DefaultClusterCall);
-    EXPECT_EQ(s.Telnet_Host, site::DefaultClusterHost);
-    EXPECT_EQ(s.Telnet_Port, QStringLiteral("7300"));
-    EXPECT_TRUE(run.platform.log().isEmpty())
-        << run.platform.log().join(QLatin1Char('\n')).toStdString();
-}
-
-TEST(Startup, EnvironmentNamesAnotherSpotListAndDownloadPage) {
-    StartupRun run;
-    run.platform.setEnvironmentValue("ZKR_MUF_WEBCLUSTER_URL", "http://127.0.0.1:8080/spots");
-    run.platform.setEnvironmentValue("ZKR_MUF_DOWNLOAD_URL", "http://127.0.0.1:8080/download");
-    run.start();
-    EXPECT_EQ(run.state.WebCluster_Url, "http://127.0.0.1:8080/spots");
-    EXPECT_EQ(run.state.UpdatePage_Url, "http://127.0.0.1:8080/download");
-}
-
-TEST(Startup, RunsItsStepsInOrder) {
-    StartupRun run;
-    run.start();
-    EXPECT_THAT(run.window.calls,
-                ElementsAre(QStringLiteral("interval 1000"), QStringLiteral("layoutInitial"),
-                            QStringLiteral("checkSettingsFile"),
-                            QStringLiteral("labels CALL DL1ABC / LOC JO62QM"),
-                            QStringLiteral("setupSave 0"), QStringLiteral("centreDialogs"),
-                            QStringLiteral("layoutByMode"), QStringLiteral("telnetConnect")));
-}
-
-struct ModeCase {
-    const char *name;
-    const char *ownCall;
-    const char *commandLine;
-    const char *runMode;
-    const char *host;
-    const char *port;
-    const char *sourceCall; // last window call: how the source starts
-};
-
-class StartupModes : public ::testing::TestWithParam<ModeCase> {};
-
-TEST_P(StartupModes, ChooseModeClusterAndSource) {
-    const ModeCase &c = GetParam();
-    StartupRun run;
-    run.ownCall = QString::fromLatin1(c.ownCall);
-    run.window.onCheckSettings = [&run] {
-        run.state.OwnCall = run.ownCall;
-        run.state.Telnet_Host = QStringLiteral("stored.example.net");
-        run.state.Telnet_Port = QStringLiteral("23");
-    };
-    run.start(QString::fromLatin1(c.commandLine));
-    EXPECT_EQ(run.state.RunMode, QString::fromLatin1(c.runMode));
-    EXPECT_EQ(run.state.Telnet_Host, QString::fromLatin1(c.host));
-    EXPECT_EQ(run.state.Telnet_Port, QString::fromLatin1(c.port));
-    EXPECT_EQ(run.window.calls.constLast(), QString::fromLatin1(c.sourceCall));
-    const bool web = run.state.RunMode == QLatin1String("WEBCLUSTER");
-    EXPECT_EQ(run.state.SpotLine_Columns, web ? WebColumns : ClusterColumns);
-    EXPECT_EQ(run.state.Column_Count, 15);
-}
-
-const char *const DefaultHost = "gb7djk.dxcluster.net";
-
-INSTANTIATE_TEST_SUITE_P(
-    Table, StartupModes,
-    ::testing::Values(
-        ModeCase{"stored_cluster", "DL1ABC", "", "TELNETCLUSTER", "stored.example.net", "23",
-                 "telnetConnect"},
-        ModeCase{"web_option", "DL1ABC", "/WEBCLUSTER", "WEBCLUSTER", "stored.example.net", "23",
-                 "timer 1"},
-        ModeCase{"web_option_lower", "DL1ABC", "/webcluster", "WEBCLUSTER", "stored.example.net",
-                 "23", "timer 1"},
-        ModeCase{"telnet_option_ignores_stored_host", "DL1ABC", "/TELNETCLUSTER", "TELNETCLUSTER",
-                 DefaultHost, "7300", "telnetConnect"},
-        ModeCase{"dxspider_same_as_telnet", "DL1ABC", "/DxSpider", "TELNETCLUSTER", DefaultHost,
-                 "7300", "telnetConnect"},
-        ModeCase{"db0sue", "DL1ABC", "/DB0SUE", "TELNETCLUSTER", "db0sue.de", "8000",
-                 "telnetConnect"},
-        ModeCase{"file_option", "DL1ABC", "/FILE", "FILE", "stored.example.net", "23", "replay"},
-        ModeCase{"nocall_marker", "!nocall!", "", "WEBCLUSTER", "stored.example.net", "23",
-                 "timer 1"},
-        ModeCase{"file_marker", "!FILE!", "", "FILE", "stored.example.net", "23", "replay"},
-        ModeCase{"file_marker_overridden", "!FILE!", "/DB0SUE", "TELNETCLUSTER", "db0sue.de",
-                 "8000", "telnetConnect"},
-        ModeCase{"marker_needs_exact_text", "!NOCALL", "", "TELNETCLUSTER", "stored.example.net",
-                 "23", "telnetConnect"}),
-    [](const auto &caseInfo) { return std::string(caseInfo.param.name); });
-
-TEST(CommandLine, UnknownArgumentBeepsAndNamesItAsTyped) {
-    const char *unknown[] = {" /webcluster", "/webcluster now", "/WEB", "-webcluster", "/FILE "};
-    for (const char *argument : unknown) {
-        StartupRun run;
-        run.start(QString::fromLatin1(argument));
-        EXPECT_EQ(run.state.RunMode, QStringLiteral("TELNETCLUSTER")) << argument;
-        EXPECT_THAT(
-            run.platform.log(),
-            ElementsAre(QStringLiteral("beep 800 200"),
-                        QStringLiteral("msgbox 0 \"ZKR_MUF\" \"") + QString::fromLatin1(argument) +
-                            QStringLiteral(" unknown command, default setting is used !\" -> 1")));
-    }
-}
-
-TEST(Startup, PlacesTheWindowFromTheSavedPosition) {
-    struct Case {
-        const char *left;
-        const char *top;
-        QPoint expected;
-    } cases[] = {
-        {"", "", {460, 240}}, // centred on the 1920 x 1080 screen
-        {"", "0", {460, 0}},  // an empty left centres, "0" is the top edge
-        {"12", "34", {12, 34}},
-        {"-1500", "20.5", {-1500, 20}}, // a window on a monitor to the left
-    };
-    for (const Case &c : cases) {
-        StartupRun run;
-        run.posLeft = QString::fromLatin1(c.left);
-        run.posTop = QString::fromLatin1(c.top);
-        run.start();
-        EXPECT_EQ(run.window.position, c.expected) << c.left << "," << c.top;
-    }
-}
-
-TEST(Startup, DamagedSavedPositionIsReportedAndTheWindowCentred) {
-    StartupRun run;
-    run.posLeft = QStringLiteral("1e400");
-    run.posLeft = QString(40, QLatin1Char('9'));
-    run.start();
-    EXPECT_EQ(run.window.position, QPoint(460, 240));
-    ASSERT_EQ(run.platform.messages().size(), 1);
-    EXPECT_TRUE(run.platform.messages().first().contains(QStringLiteral("Overflow")));
-    // Start-up went on to start the source.
-    EXPECT_EQ(run.window.calls.constLast(), QStringLiteral("telnetConnect"));
-}
-
-TEST(Startup, SelectsTheSavedTabRounded) {
-    for (auto [saved, expected] : {std::pair{"2", 2}, {"2.5", 2}, {"3.5", 4}, {"", 0}}) {
-        StartupRun run;
-        run.posTab = QString::fromLatin1(saved);
-        run.start();
-        EXPECT_EQ(run.window.tab, expected) << saved;
-    }
-}
-
-TEST(Startup, OpensTheConsoleOnlyOnADeveloperWorkstationInTelnetMode) {
-    struct Case {
-        QString computer;
-        const char *commandLine;
-        bool console;
-    } cases[] = {
-        {site::DeveloperWorkstation1, "", true},
-        {site::DeveloperWorkstation2, "", true},
-        {site::DeveloperWorkstation1.toLower(), "", false},
-        {site::DeveloperWorkstation1, "/WEBCLUSTER", false},
-        {QStringLiteral("shack-pc"), "", false},
-        {QString(), "", false},
-    };
-    for (const Case &c : cases) {
-        StartupRun run;
-        if (!c.computer.isNull()) {
-            run.platform.setEnvironmentValue(QStringLiteral("COMPUTERNAME"), c.computer);
+    explicit StartupRig(const QByteArray &file = {}) {
+        platform.setApplicationFolder(dir.path());
+        state.IniFilePath = ini;
+        if (!file.isNull()) {
+            EXPECT_TRUE(test::writeBytes(ini, file));
         }
-        run.start(QString::fromLatin1(c.commandLine));
-        EXPECT_EQ(run.window.calls.contains(QStringLiteral("console")), c.console)
-            << c.computer.toStdString() << c.commandLine;
+    }
+    void start(const QString &commandLine = {}) {
+        platform.setCommandLine(commandLine);
+        Form_Load(state, platform, *this);
+    }
+
+    void setMainCaption(const QString &) override {}
+    void setTimerInterval(int) override {}
+    void setTimerEnabled(bool on) override { calls << QString("timer %1").arg(on); }
+    void layoutInitial() override { settings.Read_Position(); }
+    void checkSettingsFile() override { settings.Check_SettingsFile(); }
+    void showOwnCallLabels(const QString &c, const QString &l) override { calls << c + " / " + l; }
+    void selectTab(int index) override { tab = index; }
+    void setSetupSaveEnabled(bool) override {}
+    QSize mainWindowSize() override { return {1000, 600}; }
+    void moveMainWindow(QPoint topLeft) override { position = topLeft; }
+    void centreDialogsOverMain() override { calls << "centreDialogs"; }
+    void prepareDeveloperConsole() override { calls << "console"; }
+    void layoutByMode() override { calls << "layoutByMode"; }
+    void telnetConnect() override { calls << "telnetConnect"; }
+    void replaySpotFile() override { calls << "replay"; }
+
+    int windowLeft() const override { return left; }
+    int windowTop() const override { return top; }
+    bool isWindowMinimized() const override { return minimized; }
+    int selectedTab() const override { return tab; }
+    void Winsock_Close() override { calls << "Winsock_Close"; }
+    void unloadAllWindows() override { calls << "unloadAllWindows"; }
+
+    QString callText() const override { return {}; }
+    void setCallText(const QString &) override {}
+    QString locatorText() const override { return {}; }
+    void setLocatorText(const QString &) override {}
+    bool isAutoUpdateChecked() const override { return false; }
+    void setAutoUpdateChecked(bool on) override { setupEvents << QString("autoupdate %1").arg(on); }
+    void Setup_Click() override { setupEvents << "Setup_Click"; }
+    void showInFront() override {}
+    void setSaveEnabled(bool) override {}
+    void centreOver(const QRect &) override {}
+    void unload() override {}
+};
+
+// On the developer workstations, where the console opens in telnet mode only.
+TEST(Startup, OwnCallAndCommandLineChooseModeClusterAndSource) {
+    const char *const Telnet = "TELNETCLUSTER", *const Web = "WEBCLUSTER", *const File = "FILE";
+    const char *const Stored = "stored.example.net:23", *const Djk = "gb7djk.dxcluster.net:7300",
+                      *const Sue = "db0sue.de:8000";
+    const QMap<QString, QString> source{
+        {Telnet, "telnetConnect"}, {Web, "timer 1"}, {File, "replay"}};
+    const struct {
+        const char *ownCall, *commandLine, *mode, *cluster;
+        bool refused; // the argument is reported and the stored setting used
+    } cases[] = {
+        {"DL1ABC", "", Telnet, Stored, false},
+        {"DL1ABC", "/WEBCLUSTER", Web, Stored, false},
+        {"DL1ABC", "/webcluster", Web, Stored, false},
+        {"DL1ABC", "/TELNETCLUSTER", Telnet, Djk, false},
+        {"DL1ABC", "/DxSpider", Telnet, Djk, false},
+        {"DL1ABC", "/DB0SUE", Telnet, Sue, false},
+        {"DL1ABC", "/FILE", File, Stored, false},
+        {"!nocall!", "", Web, Stored, false},
+        {"!FILE!", "", File, Stored, false},
+        {"!FILE!", "/DB0SUE", Telnet, Sue, false},
+        {"!NOCALL", "", Telnet, Stored, false},
+        {"DL1ABC", " /webcluster", Telnet, Stored, true},
+        {"DL1ABC", "/webcluster now", Telnet, Stored, true},
+        {"DL1ABC", "/WEB", Telnet, Stored, true},
+        {"DL1ABC", "-webcluster", Telnet, Stored, true},
+        {"!NOCALL!", "/FILE ", Web, Stored, true},
+    };
+    const QString refusal =
+        R"(msgbox 0 "ZKR_MUF" "%1 unknown command, default setting is used !" -> 1)";
+    int row = 0;
+    for (const auto &c : cases) {
+        SCOPED_TRACE(std::string(c.ownCall) + " '" + c.commandLine + "'");
+        StartupRig rig(storedFile(c.ownCall));
+        rig.platform.setEnvironmentValue("COMPUTERNAME", ++row % 2 ? site::DeveloperWorkstation1
+                                                                   : site::DeveloperWorkstation2);
+        rig.start(c.commandLine);
+        EXPECT_EQ(rig.state.RunMode, c.mode);
+        EXPECT_EQ(rig.state.Telnet_Host + ":" + rig.state.Telnet_Port, c.cluster);
+        EXPECT_EQ(rig.calls.constLast(), source[c.mode]);
+        EXPECT_EQ(rig.calls.contains("console"), QString(c.mode) == Telnet);
+        EXPECT_EQ(rig.platform.log(),
+                  c.refused ? QStringList({Beep, refusal.arg(c.commandLine)}) : QStringList());
+    }
+    // The console's Connect runs start-up again: the chosen mode stays.
+    StartupRig rig(storedFile("DL1ABC"));
+    rig.state.RunMode = Web;
+    rig.start();
+    EXPECT_EQ(rig.state.RunMode, Web);
+}
+
+TEST(Startup, PlacesTheWindowAndSelectsTheTabSaved) {
+    const struct {
+        QString left, top, tab;
+        QPoint at;
+        int tabShown;
+    } cases[] = {
+        {"", "", "2", {460, 240}, 2},               // centred on the 1920 x 1080 screen
+        {"", "0", "2.5", {460, 0}, 2},              // an empty left centres, "0" is the top edge
+        {"12", "34", "3.5", {12, 34}, 4},           // tabs round half to even
+        {"-1500", "20.5", "", {-1500, 20}, 0},      // a window on a monitor to the left
+        {QString(40, '9'), "", "0", {460, 240}, 0}, // damaged: reported, centred
+    };
+    for (const auto &c : cases) {
+        SCOPED_TRACE((c.left + "," + c.top + "," + c.tab).toStdString());
+        StartupRig rig(storedFile(
+            "DL1ABC",
+            QString("[Position]\r\nLeft=%1\r\nTop=%2\r\nSSTAB=%3\r\n").arg(c.left, c.top, c.tab)));
+        rig.start();
+        EXPECT_EQ(rig.position, c.at);
+        EXPECT_EQ(rig.tab, c.tabShown);
+        const bool damaged = c.left.size() == 40;
+        ASSERT_EQ(rig.platform.messages().size(), damaged ? 1 : 0);
+        EXPECT_TRUE(!damaged || rig.platform.messages()[0].contains("Overflow"));
+        EXPECT_EQ(rig.calls.constLast(), "telnetConnect"); // start-up went on
     }
 }
 
-TEST(Startup, SecondRunKeepsTheChosenClusterAndMode) {
-    // The telnet console's Connect runs start-up again.
-    StartupRun run;
-    run.window.onCheckSettings = nullptr;
-    run.state.RunMode = QStringLiteral("WEBCLUSTER");
-    run.state.Telnet_Host = QStringLiteral("node.example.net");
-    run.state.SpotLines = QStringList(40, QStringLiteral("x"));
-    run.start();
-    EXPECT_EQ(run.state.RunMode, QStringLiteral("WEBCLUSTER"));
-    EXPECT_EQ(run.state.Telnet_Host, QStringLiteral("node.example.net"));
-    EXPECT_EQ(run.state.SpotLines.size(), 11);
-    EXPECT_EQ(run.state.SpotLines.at(10), QStringLiteral("x"));
+// Where nobody may write (not even root: /proc) the first run asks once, goes
+// on and leaves nothing behind. Its file is checked where an older one is replaced.
+TEST(StartupSettings, FirstRunInAFolderNobodyMayWriteAsksOnceAndGoesOn) {
+    StartupRig rig;
+    rig.platform.setApplicationFolder("/proc");
+    for (const char *answer : {"dl1abc", "JO6", "jo62qm"}) {
+        rig.platform.answerInputBox(QString(answer));
+    }
+    rig.platform.setEnvironmentValue(site::WebClusterUrlVariable, "http://127.0.0.1:8/spots");
+    rig.platform.setEnvironmentValue(site::DownloadPageUrlVariable, "http://127.0.0.1:8/dl");
+    rig.start();
+    EXPECT_EQ(rig.state.WebCluster_Url + rig.state.UpdatePage_Url,
+              "http://127.0.0.1:8/spotshttp://127.0.0.1:8/dl");
+    // A rejected locator is followed by two beeps before the next prompt.
+    EXPECT_EQ(rig.platform.log(), QStringList({Beep, Arm, CallPrompt + R"("dl1abc")", Beep, Arm,
+                                               LocatorPrompt + R"("JO6")", Beep, Beep, Arm,
+                                               LocatorPrompt + R"("jo62qm")"}));
+    EXPECT_TRUE(rig.state.Settings_Created);
+    EXPECT_EQ(rig.setupEvents, QStringList({"Setup_Click", "autoupdate 1"}));
+    EXPECT_EQ(rig.state.IniFilePath, "/proc/zkr_muf.ini");
+    EXPECT_THROW(rig.settings.Save_Position_And_End(), ProgramEnded);
+    EXPECT_FALSE(QFileInfo::exists(rig.state.IniFilePath));
+}
+
+// Shutting down stores tab and position, but not a minimised window's.
+TEST(StartupSettings, CancelAtTheCallPromptEndsTheProgramThroughShutDown) {
+    for (const bool minimized : {false, true}) {
+        StartupRig rig;
+        rig.minimized = minimized;
+        EXPECT_THROW(rig.start(), ProgramEnded); // no scripted answer: Cancel
+        EXPECT_EQ(rig.platform.log(),
+                  QStringList({Beep, Arm, CallPrompt + "cancel", Beep, Arm,
+                               R"(msgbox 0 "ZKR_MUF" "Sorry, without a valid call sign ZKR_MUF )"
+                               R"(will now be terminated !" -> 1)",
+                               "end 0"}));
+        EXPECT_TRUE(rig.state.Busy);
+        EXPECT_EQ(rig.calls, QStringList({"Winsock_Close", "unloadAllWindows"}));
+        EXPECT_EQ(readBytes(rig.ini), minimized
+                                          ? "[Position]\r\nSSTAB=0\r\n"
+                                          : "[Position]\r\nLeft=100\r\nTop=50\r\nSSTAB=0\r\n");
+    }
+}
+
+TEST(StartupSettings, OnlyAnOlderFileIsReplaced) {
+    for (const char *version : {"Version=1.2\r\n", "", "Version=1.30\r\n", "version = 1.31\r\n"}) {
+        SCOPED_TRACE(version);
+        const QByteArray old = QByteArray("[Version]\r\n") + version +
+                               "[Call]\r\nOwnCall=dl1abc\r\n[Mine]\r\nx=1\r\n[Locator]\r\n"
+                               "OwnLocator=jo62\r\n[AutoUpdateCheck]\r\nUpdateCheck=off\r\n";
+        StartupRig rig(old);
+        rig.platform.answerInputBox(QString("dk5xx"));
+        rig.platform.answerInputBox(std::nullopt);
+        rig.start();
+        if (QByteArray(version).contains("1.3")) {
+            EXPECT_TRUE(rig.platform.log().isEmpty());
+            EXPECT_EQ(readBytes(rig.ini), old);
+            EXPECT_TRUE(rig.calls.contains("CALL DL1ABC / LOC JO62")); // used upper-cased
+            continue;
+        }
+        // The call prompt offers the empty default, not the old call.
+        EXPECT_EQ(rig.platform.log(), QStringList({Beep, Arm, CallPrompt + R"("dk5xx")", Beep, Arm,
+                                                   LocatorPrompt + "cancel"}));
+        EXPECT_EQ(readBytes(rig.ini), firstRunFile("DK5XX"));
+        EXPECT_EQ(rig.setupEvents, QStringList({"autoupdate 0", "Setup_Click", "autoupdate 1"}));
+    }
+}
+
+TEST(StartupSettings, UpdateCheckValueSetsTheSetupBox) {
+    const std::pair<const char *, const char *> cases[] = {
+        {"UpdateCheck=on", "autoupdate 1"},  {"UpdateCheck = ON ", "autoupdate 1"},
+        {"UpdateCheck=", "autoupdate 1"},    {"", "autoupdate 1"},
+        {"updatecheck=Off", "autoupdate 0"}, {"UpdateCheck=yes", nullptr}};
+    for (const auto &[line, event] : cases) {
+        StartupRig rig(QByteArray("[AutoUpdateCheck]\r\n") + line + "\r\n");
+        rig.settings.Read_Settings();
+        EXPECT_EQ(rig.setupEvents, event ? QStringList{event} : QStringList()) << line;
+    }
 }
 
 } // namespace
+} // namespace zkr

@@ -1,13 +1,15 @@
 #include "WebClient.h"
 #include "LocalHttpServer.h"
 #include "QtPrinters.h"
+#include "WaitFor.h"
 
-#include <QElapsedTimer>
+#include <QNetworkReply>
 #include <QTcpServer>
 
 #include <gtest/gtest.h>
 
 using namespace zkr;
+using test::waitFor;
 
 namespace {
 
@@ -20,96 +22,84 @@ LocalHttpServer::Response page(int status, const QByteArray &body,
     return response;
 }
 
-struct WebFixture : ::testing::Test {
-    LocalHttpServer server;
+// A client with everything it reports.
+struct Watched {
+    WebClient web;
     QStringList captions;
+    QStringList bodies;
     QList<int> failures;
 
-    void watch(WebClient &web) {
-        web.setCaptionHandler([this](const QString &caption) { captions << caption; });
-        web.setFailureHandler([this](int code) { failures << code; });
+    explicit Watched(WebClient::Options options) : web(options, nullptr) {
+        QObject::connect(&web, &WebClient::progress, [this](const QString &c) { captions << c; });
+        QObject::connect(&web, &WebClient::fetched, [this](const QString &b) { bodies << b; });
+        QObject::connect(&web, &WebClient::failed, [this](int e) { failures << e; });
+    }
+    bool done() {
+        return waitFor([this] { return !web.isBusy(); });
     }
 };
 
-TEST_F(WebFixture, ReadsThePageWithCaptionsAndTheAgentName) {
-    server.setResponse("/DxSpots.aspx", page(200, "<html>spots &lt;ES&gt;</html>"));
-    WebClient web;
-    watch(web);
-    EXPECT_EQ(web.Open_Url(server.url("/DxSpots.aspx")), "<html>spots &lt;ES&gt;</html>");
-    EXPECT_TRUE(web.lastUrlOpened());
-    EXPECT_EQ(captions, QStringList({"trying to connect", "connected", "requesting"}));
+TEST(WebClient, FetchesAnyAnswerDecodedOneFetchAtATime) {
+    LocalHttpServer server;
+    LocalHttpServer::Response slow = page(200, "<html>1234567890 trickled</html>");
+    slow.trickleMs = 40; // 1.3 s in all, beyond both timeouts, never a long pause
+    const struct {
+        const char *path;
+        LocalHttpServer::Response response;
+        QString body;
+    } cases[] = {
+        {"/latin1", page(200, "55\xB0N"), QString("55") + QChar(176) + "N"},
+        {"/utf8", page(200, "55\xC2\xB0N", "text/html; charset=UTF-8"),
+         QString("55") + QChar(176) + "N"},
+        {"/error", page(500, "<h1>Server Error</h1>"), "<h1>Server Error</h1>"},
+        {"/slow", slow, "<html>1234567890 trickled</html>"},
+    };
+    Watched w({2, 5000, 500, 300, 10});
+    for (const auto &c : cases) {
+        server.setResponse(c.path, c.response);
+        w.captions.clear();
+        w.bodies.clear();
+        ASSERT_TRUE(w.web.fetch(server.url(c.path)));
+        EXPECT_FALSE(w.web.fetch(server.url(c.path))) << "a second fetch while busy";
+        ASSERT_TRUE(w.done());
+        EXPECT_EQ(w.bodies, QStringList{c.body}) << c.path;
+        EXPECT_EQ(w.captions, QStringList({"trying to connect", "connected", "requesting"}));
+        EXPECT_TRUE(w.web.lastUrlOpened());
+        EXPECT_EQ(server.requestCount(c.path), 1) << c.path;
+    }
     EXPECT_EQ(server.lastUserAgent(), "VB");
-    EXPECT_TRUE(failures.isEmpty());
+    EXPECT_TRUE(w.failures.isEmpty());
+    // The blocking form for the interactive update check.
+    EXPECT_EQ(w.web.Open_Url(server.url("/error")), "<h1>Server Error</h1>");
 }
 
-TEST_F(WebFixture, AnErrorStatusStillReturnsItsPage) {
-    server.setResponse("/err", page(500, "<h1>Server Error</h1>"));
-    WebClient web;
-    EXPECT_EQ(web.Open_Url(server.url("/err")), "<h1>Server Error</h1>");
-    EXPECT_TRUE(web.lastUrlOpened());
-}
-
-TEST_F(WebFixture, DecodesSingleByteAndUtf8Pages) {
-    server.setResponse("/latin1", page(200, "55\xB0N"));
-    server.setResponse("/utf8", page(200, "55\xC2\xB0N", "text/html; charset=UTF-8"));
-    WebClient web;
-    EXPECT_EQ(web.Open_Url(server.url("/latin1")), QString("55") + QChar(176) + "N");
-    EXPECT_EQ(web.Open_Url(server.url("/utf8")), QString("55") + QChar(176) + "N");
-}
-
-TEST_F(WebFixture, RefusedConnectionIsTriedElevenTimesThenReported) {
-    QTcpServer closed;
-    ASSERT_TRUE(closed.listen(QHostAddress::LocalHost, 0));
-    const quint16 port = closed.serverPort();
-    closed.close(); // nothing listens there now
-    WebClient web;
-    watch(web);
-    EXPECT_EQ(web.Open_Url(QString("http://127.0.0.1:%1/x").arg(port)), "");
-    EXPECT_FALSE(web.lastUrlOpened());
-    EXPECT_EQ(captions.count("trying to connect"), 11);
-    EXPECT_EQ(failures.size(), 1);
-}
-
-TEST_F(WebFixture, SilentServerIsGivenUpAfterTheTimeout) {
+TEST(WebClient, FailsAfterItsAttemptsWhenNoServerAnswers) {
+    LocalHttpServer server;
     LocalHttpServer::Response silent;
     silent.neverAnswer = true;
     server.setResponse("/silent", silent);
-    WebClient web({11, 300, 700}, nullptr);
-    watch(web);
-    QElapsedTimer clock;
-    clock.start();
-    EXPECT_EQ(web.Open_Url(server.url("/silent")), "");
-    // The whole fetch stops at its deadline instead of 11 full attempts.
-    EXPECT_LT(clock.elapsed(), 2000);
-    EXPECT_FALSE(web.lastUrlOpened());
-    EXPECT_LT(server.requestCount("/silent"), 11);
-    EXPECT_EQ(failures.size(), 1);
-}
-
-TEST_F(WebFixture, SlowAndTruncatedAnswersAreTakenAsTheyCome) {
-    LocalHttpServer::Response slow = page(200, "<html>late but whole</html>");
-    slow.delayMs = 300;
-    LocalHttpServer::Response cut = page(200, QByteArray(4000, 'x'));
-    cut.truncate = true; // announces 4000 bytes, sends 2000, hangs up
-    server.setResponse("/slow", slow);
-    server.setResponse("/cut", cut);
-    WebClient web({11, 2000, 3000}, nullptr);
-    watch(web);
-    EXPECT_EQ(web.Open_Url(server.url("/slow")), "<html>late but whole</html>");
-    const QString partial = web.Open_Url(server.url("/cut"));
-    EXPECT_TRUE(web.lastUrlOpened());
-    EXPECT_LE(partial.size(), 2000);
-    EXPECT_TRUE(failures.isEmpty());
-}
-
-TEST_F(WebFixture, RedirectLoopIsAFailure) {
-    LocalHttpServer::Response loop;
-    loop.status = 302;
-    loop.location = server.url("/loop").toLatin1();
-    server.setResponse("/loop", loop);
-    WebClient web({1, 5000, 5000}, nullptr);
-    EXPECT_EQ(web.Open_Url(server.url("/loop")), "");
-    EXPECT_FALSE(web.lastUrlOpened());
+    QTcpServer probe;
+    probe.listen(QHostAddress::LocalHost, 0);
+    const QString refused = QString("http://127.0.0.1:%1/x").arg(probe.serverPort());
+    probe.close();
+    const struct {
+        QString url;
+        int error;
+    } cases[] = {
+        {server.url("/silent"), QNetworkReply::TimeoutError},
+        {refused, QNetworkReply::ConnectionRefusedError},
+    };
+    for (const auto &c : cases) {
+        Watched w({3, 10000, 200, 200, 10});
+        ASSERT_TRUE(w.web.fetch(c.url));
+        ASSERT_TRUE(w.done());
+        EXPECT_EQ(w.failures, QList<int>{c.error}) << c.url.toStdString();
+        EXPECT_EQ(w.captions.count("trying to connect"), 3) << c.url.toStdString();
+        EXPECT_TRUE(w.bodies.isEmpty());
+        EXPECT_FALSE(w.web.lastUrlOpened());
+    }
+    EXPECT_EQ(server.requestCount("/silent"), 3);
+    EXPECT_EQ(WebClient({1, 1000, 200, 200, 0}, nullptr).Open_Url(refused), "");
 }
 
 } // namespace

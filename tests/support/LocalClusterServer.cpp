@@ -4,10 +4,13 @@
 #include <QFile>
 #include <QTcpServer>
 #include <QTcpSocket>
+#include <QTimer>
 
-LocalClusterServer::LocalClusterServer(QObject *parent)
+LocalClusterServer::LocalClusterServer(QObject *parent) : LocalClusterServer(0, parent) {}
+
+LocalClusterServer::LocalClusterServer(quint16 port, QObject *parent)
     : QObject(parent), server_(new QTcpServer(this)) {
-    server_->listen(QHostAddress::LocalHost, 0);
+    server_->listen(QHostAddress::LocalHost, port);
     connect(server_, &QTcpServer::newConnection, this, &LocalClusterServer::onNewConnection);
 }
 
@@ -64,6 +67,33 @@ void LocalClusterServer::send(const QByteArray &bytes) {
             client->flush();
         }
     }
+}
+
+void LocalClusterServer::sendInPieces(const QByteArray &bytes, const QList<int> &sizes, int gapMs) {
+    if (bytes.isEmpty()) {
+        return;
+    }
+    const qsizetype size = sizes.isEmpty() ? bytes.size() : sizes.first();
+    for (const QPointer<QTcpSocket> &client : std::as_const(clients_)) {
+        if (client) {
+            client->setSocketOption(QAbstractSocket::LowDelayOption, 1);
+            client->write(bytes.left(size));
+            client->flush();
+        }
+    }
+    const QByteArray rest = bytes.mid(size);
+    if (rest.isEmpty()) {
+        return;
+    }
+    // The next piece goes out an event-loop turn later at the earliest, so
+    // that the client can read this one by itself.
+    QList<int> turned = sizes;
+    turned.append(turned.takeFirst());
+    ++piecesPending_;
+    QTimer::singleShot(gapMs, this, [this, rest, turned, gapMs] {
+        --piecesPending_;
+        sendInPieces(rest, turned, gapMs);
+    });
 }
 
 void LocalClusterServer::closeClients() {

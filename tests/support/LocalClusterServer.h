@@ -16,6 +16,9 @@ class LocalClusterServer : public QObject {
     Q_OBJECT
 public:
     explicit LocalClusterServer(QObject *parent = nullptr);
+    // Listens on the given port (one a test found free), so that a client
+    // retrying there finds a node at last.
+    explicit LocalClusterServer(quint16 port, QObject *parent = nullptr);
 
     quint16 port() const;
     // Call signs the clients logged in with, in order.
@@ -25,6 +28,12 @@ public:
     bool hasClient() const { return !clients_.isEmpty(); }
     // Sends raw bytes to every logged-in client as one write.
     void send(const QByteArray &bytes);
+    // Sends `bytes` to every logged-in client in pieces of the given sizes
+    // (repeated in turn; none: whole), each its own TCP segment, `gapMs`
+    // apart and at least an event-loop turn apart.
+    void sendInPieces(const QByteArray &bytes, const QList<int> &sizes, int gapMs);
+    // Every piece given to sendInPieces is on its way.
+    bool piecesSent() const { return piecesPending_ == 0; }
     void closeClients();
     // Nothing written is still waiting to go out.
     bool socketIdle() const;
@@ -42,4 +51,5 @@ private:
     QList<QPointer<QTcpSocket>> clients_;
     QStringList logins_;
     QByteArray received_;
+    int piecesPending_ = 0;
 };

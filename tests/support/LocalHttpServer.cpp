@@ -76,6 +76,25 @@ void LocalHttpServer::answer(QTcpSocket *socket, const Response &response) {
     }
     head += "Connection: close\r\n\r\n";
     socket->write(head);
+    if (response.trickleMs > 0) {
+        trickle(socket, response.body, response.trickleMs);
+        return;
+    }
     socket->write(response.truncate ? response.body.left(response.body.size() / 2) : response.body);
     socket->disconnectFromHost();
+}
+
+void LocalHttpServer::trickle(QTcpSocket *socket, const QByteArray &rest, int gapMs) {
+    if (rest.isEmpty()) {
+        socket->disconnectFromHost();
+        return;
+    }
+    socket->write(rest.left(1));
+    socket->flush();
+    QPointer<QTcpSocket> guarded(socket);
+    QTimer::singleShot(gapMs, this, [this, guarded, rest, gapMs] {
+        if (guarded) {
+            trickle(guarded, rest.mid(1), gapMs);
+        }
+    });
 }

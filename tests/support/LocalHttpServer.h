@@ -21,6 +21,7 @@ public:
         bool neverAnswer = false; // accept, read, then stay silent
         bool truncate = false;    // announce the full length, send half, close
         QByteArray location;      // for redirects
+        int trickleMs = 0;        // send the body a byte at a time, this far apart
     };
 
     explicit LocalHttpServer(QObject *parent = nullptr);
@@ -37,6 +38,7 @@ private:
     void onNewConnection();
     void onReadyRead(QTcpSocket *socket);
     void answer(QTcpSocket *socket, const Response &response);
+    void trickle(QTcpSocket *socket, const QByteArray &rest, int gapMs);
 
     QTcpServer *server_;
     QHash<QString, Response> responses_;

@@ -1,0 +1,99 @@
+#include "SpotEvaluator.h"
+
+#include "EsPathModel.h"
+#include "ResultOutput.h"
+#include "RunTimeError.h"
+#include "SpotAnalysis.h"
+#include "SpotWork.h"
+#include "TextFunctions.h"
+
+#include <utility>
+
+namespace zkr {
+
+namespace {
+
+// Most spots print one to eight runs.
+constexpr qsizetype TypicalRuns = 8;
+
+// Prints the analysed spot as the filters and its mode say. Returns true
+// when it is an Es spot whose results were printed.
+bool printSpot(EvaluatedSpot &spot, const AnalysisSettings &settings) {
+    if (settings.over144Only && spot.frequency < MinFrequency_MHz) {
+        return false;
+    }
+    const bool esSpot = spot.mode == QLatin1String("ES");
+    if (!settings.esSpotsOnly) {
+        Print_RawLine(spot, settings);
+    }
+    if (!spot.es) {
+        if (!settings.esSpotsOnly) {
+            Print_LineEnd(spot);
+        }
+        return false;
+    }
+    if (settings.esSpotsOnly) {
+        if (!esSpot) {
+            return false;
+        }
+        Print_RawLine(spot, settings);
+    }
+    Print_MufField(spot);
+    Print_MidSquare(spot);
+    Print_FotField(spot);
+    Print_AzField(spot);
+    return esSpot;
+}
+
+// Analyses and prints the spot whose line is set. `shapeLine` may rebuild
+// the line between analysis and printing. A run-time error abandons the
+// spot; a line it left half printed is still ended, so that no later spot
+// joins it.
+template <typename ShapeLine>
+void evaluate(SpotWork &work, const AnalysisSettings &settings, ShapeLine &&shapeLine) {
+    EvaluatedSpot &spot = work.spot;
+    spot.runs.reserve(TypicalRuns);
+    try {
+        Analyse_Spot(work, settings);
+        shapeLine(spot);
+        if (spot.mode == QLatin1String("ES")) {
+            Bracket_ModeWords(spot.line);
+        }
+        spot.esResultPrinted = printSpot(spot, settings);
+    } catch (const RunTimeError &error) {
+        spot.error = error.userText();
+        if (!spot.runs.isEmpty()) {
+            Print_LineEnd(spot);
+        }
+    }
+    spot.panes = spot.runs.isEmpty() ? 0 : Selected_Panes(spot);
+}
+
+} // namespace
+
+SpotEvaluator::SpotEvaluator(AnalysisSettings settings) : settings_(std::move(settings)) {}
+
+void SpotEvaluator::setSettings(AnalysisSettings settings) {
+    settings_ = std::move(settings);
+}
+
+EvaluatedSpot SpotEvaluator::evaluateClusterLine(QStringView received) const {
+    SpotWork work;
+    work.spot.line = Prepare_ClusterLine(received);
+    evaluate(work, settings_, [](EvaluatedSpot &) {});
+    return std::move(work.spot);
+}
+
+EvaluatedSpot SpotEvaluator::evaluateWebLine(QStringView pageLine) const {
+    SpotWork work;
+    work.spot.line = Clean_SpotLine(trimBlanks(pageLine));
+    const int timeColumn = settings_.columns[8];
+    evaluate(work, settings_, [timeColumn](EvaluatedSpot &spot) {
+        // The printed line takes the shape of a cluster line.
+        spot.line = mid(spot.line, 1, timeColumn - 1) + QStringLiteral("  ") + spot.time +
+                    QLatin1Char(' ') + spot.tail1 + QLatin1Char(' ') + spot.tail2;
+    });
+    return std::move(work.spot);
+}
+
+} // namespace zkr

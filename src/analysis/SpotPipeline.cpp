@@ -1,0 +1,34 @@
+#include "SpotPipeline.h"
+
+#include <utility>
+
+namespace zkr {
+
+SpotPipeline::SpotPipeline(QObject *parent) : QObject(parent) {}
+
+void SpotPipeline::setSettings(AnalysisSettings settings) {
+    evaluator_.setSettings(std::move(settings));
+}
+
+void SpotPipeline::evaluateClusterLine(const QString &line) {
+    const EvaluatedSpot spot = evaluator_.evaluateClusterLine(line);
+    // A "DX de " line without a positive frequency is a notice, no spot.
+    if (spot.frequency > 0) {
+        Q_EMIT spotEvaluated(spot);
+    }
+}
+
+void SpotPipeline::evaluatePage(const QStringList &pageLines) {
+    Q_EMIT pageStarted();
+    unsigned panesWithEs = 0;
+    for (const QString &line : pageLines) {
+        const EvaluatedSpot spot = evaluator_.evaluateWebLine(line);
+        if (spot.esResultPrinted) {
+            panesWithEs |= spot.panes;
+        }
+        Q_EMIT spotEvaluated(spot);
+    }
+    Q_EMIT pageFinished(panesWithEs);
+}
+
+} // namespace zkr

@@ -1,0 +1,26 @@
+#pragma once
+
+#include "EvaluatedSpot.h"
+#include "Locators.h"
+
+#include <QString>
+
+namespace zkr {
+
+// One spot while it is evaluated: the value being built and what the
+// analysis works out on the way that is no part of it.
+struct SpotWork {
+    EvaluatedSpot spot;
+    // The comment upper-cased; the locators and the mode marker found are
+    // cut out of it.
+    QString commentUpper;
+    // Compute_EsPath's results; the spot takes them as its `es` only when
+    // it is a spot to compute.
+    bool pathComputed = false;
+    EsPath path;
+    // The points of the path (the second one's longitude possibly pulled
+    // apart from the first one's).
+    GeoPoint one, two, own, mid, far;
+};
+
+} // namespace zkr

@@ -1,0 +1,146 @@
+#include "ModeMarkers.h"
+#include "SpotEvaluator.h"
+#include "SpotLineParsing.h"
+#include "SpotWork.h"
+#include "TestSpots.h"
+
+#include <limits>
+
+using namespace zkr;
+
+namespace {
+
+TEST(ExtractSpotFields, CutsTheLineByTheColumnsOfTheRunMode) {
+    const QString web = QString("%1 %2 %3 %4 1712 OH Finla")
+                            .arg("DL1ABC", -11)
+                            .arg("50110.0", 10)
+                            .arg("OH1XYZ", -12)
+                            .arg("JO62QM KP20 es", -34);
+    // clang-format off
+    const struct {
+        const char *runMode;
+        QString line;
+        const char *fields; // spotter|frequency|DX call|comment|time|tail1|tail2
+    } cases[] = {
+        {"TELNETCLUSTER", clusterLine("50110.0", "JO90JR<ES>KP20").mid(6),
+         "SP9HWY:|50.11|OH1XYZ|JO90JR<ES>KP20                 171|1712||"},
+        {"file", clusterLine("1296012.5", "x").mid(6),
+         "SP9HWY:|1296.01|OH1XYZ|x                              171|1712||"},
+        // The frequency column reaches into the DX call: a call that starts
+        // with a digit adds to the number.
+        {"FILE", clusterLine("14074.0", "FT8").mid(6).replace("OH1XYZ", "9A1AAA"),
+         "SP9HWY:|14.0741|9A1AAA|FT8                            171|1712||"},
+        {"WebCluster", web, "DL1ABC|50.11|OH1XYZ|JO62QM KP20 es|1712|OH|Finla"},
+        {"PIGEON", web, "|0|||||"},
+    };
+    // clang-format on
+    for (const auto &c : cases) {
+        AnalysisSettings settings;
+        settings.columns = Load_ColumnTable(c.runMode);
+        EvaluatedSpot spot;
+        spot.line = c.line;
+        Extract_SpotFields(spot, settings);
+        const QString frequency = QString::number(spot.frequency, 'g', 6);
+        EXPECT_EQ(QStringList({spot.spotter, frequency, spot.dxCall, spot.comment, spot.time,
+                               spot.tail1, spot.tail2})
+                      .join('|'),
+                  c.fields)
+            << c.runMode;
+    }
+}
+
+TEST(FindLocators, CutsTwoLocatorsOutOfTheUpperCasedComment) {
+    const struct {
+        const char *comment, *locator1, *locator2, *rest;
+    } cases[] = {
+        {"JO62QM<ES>KP20", "JO62QM", "KP20??", "<ES>"},
+        {"KP20 JO62QM", "JO62QM", "KP20??", ""}, // six characters first, wherever
+        {"KP20 JO62 JO63", "KP20??", "JO62??", "JO63"},
+        {"jo62qm es kp20lm tnx", "JO62QM", "KP20LM", "ES  TNX"},
+        {"JO62QMKP20LM", "JO62QM", "KP20LM", ""},
+        {"TNX QSO 73", "", "", "TNX QSO 73"},
+        {"JO62YZ KP20", "JO62YZ", "KP20??", ""}, // any letter as subsquare
+        {"SO62QM TNX", "", "", "SO62QM TNX"},    // no field S
+        {"JO62Q1", "JO62??", "", "Q1"},
+        {"JO6JO62QM2", "JO62QM", "JO62??", ""}, // the cut joins a new square
+    };
+    for (const auto &c : cases) {
+        SpotWork work;
+        work.spot.comment = c.comment;
+        Find_Locators(work);
+        EXPECT_EQ(work.spot.locator1, c.locator1) << c.comment;
+        EXPECT_EQ(work.spot.locator2, c.locator2) << c.comment;
+        EXPECT_EQ(work.commentUpper, c.rest) << c.comment;
+    }
+}
+
+TEST(FindMode, ClassifiesInTestOrderAndCutsTheMarker) {
+    const struct {
+        const char *locator1, *locator2, *comment, *mode, *rest;
+    } cases[] = {
+        {"", "", "", "??", ""},
+        {"", "", "ES", "ES", ""},
+        {"", "", "TNX ES", "ES", "TNX"},
+        {"", "", "JT65 MS", "MS", "JT65"},
+        {"", "", "<ESTNX", "ES", "TNX"},
+        {"", "", "(MS) 2 PINGS", "MS", " 2 PINGS"},
+        {"", "", "73 :ES: 73", "ES", "73  73"},
+        {"", "", "BIG MUF 144", "MUF", "BIG144"},
+        {"", "", "MUF", "??", "MUF"},
+        {"", "", "tnx es", "ES", "TNX"},    // upper-cased first
+        {"", "", "ESKIMO", "??", "ESKIMO"}, // "ES " needs its blank
+        // The end/begin group comes before all bracketed markers, and among
+        // those ES comes before EME.
+        {"", "", "<MS> ES", "ES", "<MS>"},
+        {"", "", "<EME> (ES)", "ES", "<EME> "},
+        {"", "", "HIGH MUF2 NOW", "MUF", "HIGHNOW"},
+        {"", "", "EME SAT", "EME", "SAT"},
+        // One square: TR, and the comment is not looked at.
+        {"JO62QM", "JO62AA", "<ES>", "TR", "<ES>"},
+        {"JO62??", "JO62QM", "", "TR", ""},
+        {"JO62QM", "", "<ES>", "ES", ""},
+    };
+    for (const auto &c : cases) {
+        SpotWork work;
+        work.spot.locator1 = c.locator1;
+        work.spot.locator2 = c.locator2;
+        work.commentUpper = c.comment;
+        Find_Mode(work);
+        EXPECT_EQ(work.spot.mode, c.mode) << c.comment;
+        EXPECT_EQ(work.commentUpper, c.rest) << c.comment;
+    }
+}
+
+TEST(CheckLocator, AcceptsSquaresAndSubsquaresOnly) {
+    for (const char *good : {"JO62QM", "JO62", "AA00AA", "RR99XX"}) {
+        EXPECT_FALSE(Check_Locator(good)) << good;
+    }
+    for (const char *bad :
+         {"JO62QZ", "JO62YA", "JO6", "JO62Q", "JO62QMA", "jo62qm", "SO62QM", "JOA2QM"}) {
+        EXPECT_TRUE(Check_Locator(bad)) << bad;
+    }
+}
+
+TEST(Locators, SquaresFaultsAndTheFarSide) {
+    // Hamlib checks the subsquare centres; a square alone is taken at its
+    // subsquare LL, which Locator_To_LatLon writes back to the caller.
+    QString square = "KP20??";
+    double lat = 0, lon = 0;
+    Locator_To_LatLon(square, lat, lon);
+    const GeoPoint position = Locator_Position(u"KP20??");
+    EXPECT_EQ(square, "KP20LL");
+    EXPECT_EQ(position.latitude, lat);
+    EXPECT_EQ(position.longitude, lon);
+    EXPECT_NEAR(lat + lon, 60 + 11.0 / 24 + 1.0 / 48 + 24 + 11.0 / 12 + 1.0 / 24, 1e-12);
+    // Too short to read six characters; a field code beyond 16 bits.
+    expectFault([] { Locator_Position(u"JO62"); }, RunTimeError::InvalidArgument, "JO62");
+    expectFault([] { Locator_Position(u"J??"); }, RunTimeError::InvalidArgument, "J??");
+    expectFault([] { Locator_Position(u"\u4E00O62QM"); }, RunTimeError::Overflow, "CJK");
+    EXPECT_EQ(LatLon_To_Locator(53.5, 184.5), "SO23GM"); // east of 180: field S
+    const double nan = std::numeric_limits<double>::quiet_NaN();
+    expectFault([&] { LatLon_To_Locator(nan, 0); }, RunTimeError::Overflow, "NaN");
+    expectFault([] { LatLon_To_Locator(0, 1e6); }, RunTimeError::Overflow, "beyond 16 bits");
+    expectFault([] { LatLon_To_Locator(2000, 0); }, RunTimeError::InvalidArgument, "'A' + 209");
+}
+
+} // namespace

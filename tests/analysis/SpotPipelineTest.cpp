@@ -1,0 +1,103 @@
+#include "SpotPipeline.h"
+#include "MemoryPane.h"
+#include "PaneWriter.h"
+#include "TestSpots.h"
+
+#include <array>
+
+using namespace zkr;
+
+namespace {
+
+struct Recorder {
+    explicit Recorder(SpotPipeline &pipeline) {
+        AnalysisSettings settings;
+        settings.ownLocator = "JO62QM";
+        pipeline.setSettings(settings);
+        QObject::connect(&pipeline, &SpotPipeline::spotEvaluated,
+                         [this](const EvaluatedSpot &spot) {
+                             spots.append(spot);
+                             events << "spot";
+                         });
+        QObject::connect(&pipeline, &SpotPipeline::pageStarted, [this] { events << "start"; });
+        QObject::connect(&pipeline, &SpotPipeline::pageFinished,
+                         [this](unsigned panes) { events << "end " + QString::number(panes, 2); });
+    }
+    QList<EvaluatedSpot> spots;
+    QStringList events;
+};
+
+TEST(SpotPipeline, ClusterLinesWithoutPositiveFrequencyAreNoSpots) {
+    SpotPipeline pipeline;
+    Recorder recorder(pipeline);
+    for (const char *kiloHertz : {"0.0", "-50110.0", "", "0.001", "50110.0"}) {
+        pipeline.evaluateClusterLine(clusterLine(kiloHertz, "JO90JR<ES>KP20"));
+    }
+    ASSERT_EQ(recorder.spots.size(), 2);
+    EXPECT_FLOAT_EQ(recorder.spots[0].frequency, 0.000001f);
+    EXPECT_EQ(recorder.spots[1].frequency, 50.11f);
+}
+
+TEST(SpotPipeline, APageReportsThePanesThatGotEsResults) {
+    SpotPipeline pipeline;
+    Recorder recorder(pipeline);
+    AnalysisSettings settings = pipeline.settings();
+    settings.columns = ClusterColumns; // the page lines below are cluster-shaped
+    settings.evalAll = true;
+    pipeline.setSettings(settings);
+    pipeline.evaluatePage({clusterLine("50110.0", "JO90JR<ES>KP20").mid(6),
+                           clusterLine("144300.0", "JO90JR KP20").mid(6), // computed, no Es
+                           ""});
+    EXPECT_EQ(recorder.events, QStringList({"start", "spot", "spot", "spot", "end 1011"}));
+    // A blank line still takes the cluster shape: "  " time " " tail1 " " tail2.
+    EXPECT_EQ(recorder.spots[2].runs, Runs({{"    ", K}, {"\r\n", K}}));
+    EXPECT_EQ(recorder.spots[1].panes, 0b0111u);
+}
+
+struct Panes {
+    std::array<MemoryPane, 4> pane;
+    PaneWriter writer{ResultPanes{&pane[0], &pane[1], &pane[2], &pane[3]}};
+    QString texts() {
+        QStringList texts;
+        for (MemoryPane &p : pane) {
+            p.commit();
+            texts << p.text();
+        }
+        return texts.join('|');
+    }
+};
+
+EvaluatedSpot printed(const char *text, unsigned panes) {
+    EvaluatedSpot spot;
+    spot.runs = {{text, M}, {"\r\n", K}};
+    spot.panes = panes;
+    return spot;
+}
+
+TEST(PaneWriter, PutsEachSpotOnTopOfTheSelectedPanes) {
+    Panes p;
+    p.writer.writePrompt("\r\nlogin ok>\r\n");
+    p.writer.writeSpot(printed("a", 0b1001));
+    p.writer.writeSpot(printed("b", 0b0011));
+    p.writer.writeSpot(EvaluatedSpot{});
+    EXPECT_EQ(p.texts(), "b\r\na\r\n\r\nlogin ok>\r\n|b\r\n\r\nlogin ok>\r\n|\r\nlogin ok>\r\n|"
+                         "a\r\n\r\nlogin ok>\r\n");
+    EXPECT_EQ(p.pane[2].line(1).runs, QList<ColourRun>({{9, 0xFF0000}}));
+    EXPECT_EQ(p.pane[1].line(0).runs, QList<ColourRun>({{1, M}}));
+    p.writer.writeNotice("The Webserver may be down !");
+    EXPECT_EQ(p.texts(), "The Webserver may be down !|The Webserver may be down !|"
+                         "The Webserver may be down !|The Webserver may be down !");
+}
+
+TEST(PaneWriter, APageReplacesThePanesInItsOwnOrder) {
+    Panes p;
+    p.writer.writeSpot(printed("old", 0b1111));
+    p.writer.beginPage();
+    p.writer.writeSpot(printed("new", 0b1011));
+    p.writer.writeSpot(printed("older", 0b0001));
+    p.writer.endPage(0b1001);
+    const QString none = "Sorry - no Es-spots found !\r\n";
+    EXPECT_EQ(p.texts(), "new\r\nolder\r\n|new\r\n" + none + "|" + none + "|new\r\n");
+}
+
+} // namespace

@@ -1,0 +1,164 @@
+// The live feed end to end: a cluster on this machine, the program's window
+// logged into it, and the spots it sends however the network cuts them.
+#include "CliOptions.h"
+#include "CliReplay.h"
+#include "LocalClusterServer.h"
+#include "PaneView.h"
+#include "ProgramState.h"
+#include "ScriptedPlatform.h"
+#include "SpotSources.h"
+#include "WaitFor.h"
+#include "frmZKR_MUF.h"
+
+#include <QBuffer>
+#include <QLabel>
+#include <QTemporaryDir>
+#include <QTest>
+
+#include <gtest/gtest.h>
+
+using namespace zkr;
+using test::waitFor;
+
+namespace {
+
+QByteArray spot(int n, const char *comment) {
+    const char *frequencies[] = {"50110.0", "144300.0", "70150.0", "14074.0", "144174.0"};
+    return QStringLiteral("DX de SP9HWY:  %1  OK%2      %3 1712Z")
+        .arg(QString::fromLatin1(frequencies[n % 5]), 9)
+        .arg(n, 4, 10, QLatin1Char('0'))
+        .arg(QString::fromLatin1(comment), -30)
+        .toLatin1();
+}
+
+// What a busy node sends: spots of every kind, announcements, a command's
+// answer with its prompt, bells, a comment that says "login:", and a last
+// spot that tells the test everything arrived.
+QByteArray stream(int first, int count) {
+    const char *comments[] = {"JO90JR<ES>KP20", "JO62QM JO65 MS", "IO91 JN45 es", "CQ CQ",
+                              "IM98 JO62QM ES", "login: pse",     "KP20 JO62 TR", "JN25 KO05 ES"};
+    QByteArray out;
+    for (int n = first; n < first + count; ++n) {
+        out += spot(n, comments[n % 8]);
+        out += n % 9 == 0 ? "\x07\x07\r\n" : "\r\n";
+        if (n % 25 == 0) {
+            out += "To ALL de G4ABC: 6m open\r\nDL1ABC de GB7TST 21-Nov-2026 1712Z dxspider >\r\n";
+        }
+    }
+    return out;
+}
+
+// The program in telnet mode against a node on this machine.
+struct Program {
+    LocalClusterServer node;
+    QTemporaryDir folder;
+    ProgramState state;
+    ScriptedPlatform platform;
+    frmZKR_MUF window{state, platform};
+    QByteArray heard; // every byte the node sent to the program
+
+    Program() {
+        EXPECT_TRUE(LocalClusterServer::writeSettings(folder.path(), node.port()));
+        platform.setApplicationFolder(folder.path());
+        ClusterSession::Options fast;
+        fast.firstRetryMs = 100;
+        window.sources().session().setOptions(fast);
+        QObject::connect(&window.sources().session(), &ClusterSession::textReceived,
+                         [this](const QString &text) { heard += text.toLatin1(); });
+        window.Form_Load();
+        EXPECT_TRUE(waitFor([this] { return status().startsWith(" Connected to GB7TST"); }));
+    }
+    QString status() const {
+        return window.findChild<QLabel *>(QStringLiteral("Label_Telnet_Status"))->text();
+    }
+    bool shows(const QString &text) const { return window.displayPane(0)->text().contains(text); }
+    // Sends `bytes` in pieces of the sizes given (repeating), waiting `gapMs`
+    // between pieces; 0 sizes means one write.
+    void send(const QByteArray &bytes, const std::vector<int> &sizes, int gapMs) {
+        qsizetype at = 0;
+        for (std::size_t i = 0; at < bytes.size(); ++i) {
+            const qsizetype size = sizes.empty() ? bytes.size() : sizes[i % sizes.size()];
+            node.send(bytes.mid(at, size));
+            at += size;
+            QTest::qWait(gapMs);
+        }
+    }
+};
+
+// A pane as text and colour runs, for comparing two whole panes.
+QStringList lines(const MemoryPane &pane) {
+    QStringList out;
+    for (std::int64_t i = 0; i < pane.lineCount(); ++i) {
+        QString line = pane.line(i).text + QLatin1Char('|');
+        for (const ColourRun &run : pane.line(i).runs) {
+            line += QStringLiteral("%1:%2 ").arg(run.length).arg(run.colour, 0, 16);
+        }
+        out.append(line);
+    }
+    return out;
+}
+
+struct Cut {
+    const char *name;
+    std::vector<int> sizes;
+    int gapMs;
+};
+
+class LiveFeed : public ::testing::TestWithParam<Cut> {};
+
+TEST_P(LiveFeed, GivesThePanesOfAFileReplayOfTheSameBytes) {
+    Program program;
+    const QByteArray text = stream(1, 120) + spot(9999, "JO90JR<ES>KP20") + "\r\n";
+    program.send(text, GetParam().sizes, GetParam().gapMs);
+    ASSERT_TRUE(waitFor([&] { return program.shows(QStringLiteral("OK9999")); }));
+    EXPECT_EQ(program.node.logins(), QStringList{QStringLiteral("DL1ABC")});
+
+    CliOptions options;
+    options.ownLocator = QStringLiteral("JO62QM");
+    CliReplay replay(options);
+    QBuffer recorded(&program.heard);
+    recorded.open(QIODevice::ReadOnly);
+    replay.replayClusterText(recorded);
+    for (int pane = 0; pane < 4; ++pane) {
+        EXPECT_EQ(lines(program.window.workingPane(pane)), lines(replay.panes()[pane]))
+            << "pane " << pane;
+    }
+    // Every spot of the stream is in the All pane, the "login:" one too.
+    for (int n = 1; n <= 120; ++n) {
+        EXPECT_TRUE(program.shows(QStringLiteral("OK%1").arg(n, 4, 10, QLatin1Char('0')))) << n;
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Cuts, LiveFeed,
+                         ::testing::Values(Cut{"whole", {}, 0}, Cut{"bytes", {1}, 0},
+                                           Cut{"segments", {1448}, 20},
+                                           Cut{"odd", {1, 7, 13, 1000, 3, 211}, 2}),
+                         [](const ::testing::TestParamInfo<Cut> &cut) {
+                             return std::string(cut.param.name);
+                         });
+
+TEST(LiveFeed, AfterADropReconnectsLogsInAgainAndLosesNothingSentAfterwards) {
+    Program program;
+    program.send(stream(1, 40), {}, 0);
+    ASSERT_TRUE(waitFor([&] { return program.shows(QStringLiteral("OK0040")); }));
+
+    program.node.closeClients();
+    ASSERT_TRUE(waitFor(
+        [&] { return program.status().startsWith(QLatin1String("Reconnecting to GB7TST in ")); }));
+    EXPECT_TRUE(program.status().endsWith(QLatin1String("(attempt 1)")))
+        << program.status().toStdString();
+    ASSERT_TRUE(waitFor([&] { return program.node.logins().size() == 2; }));
+    ASSERT_TRUE(waitFor([&] { return program.status().startsWith(" Connected to GB7TST"); }));
+
+    program.send(stream(41, 40) + spot(9999, "CQ") + "\r\n", {1448}, 5);
+    ASSERT_TRUE(waitFor([&] { return program.shows(QStringLiteral("OK9999")); }));
+    for (int n = 1; n <= 80; ++n) {
+        EXPECT_TRUE(program.shows(QStringLiteral("OK%1").arg(n, 4, 10, QLatin1Char('0')))) << n;
+    }
+    EXPECT_EQ(program.node.logins(),
+              (QStringList{QStringLiteral("DL1ABC"), QStringLiteral("DL1ABC")}));
+    // One drop is no reason for a box: the status line tells it.
+    EXPECT_TRUE(program.platform.messages().isEmpty());
+}
+
+} // namespace

@@ -35,37 +35,6 @@ constexpr std::array<bool, 256> specialBytes() {
 }
 constexpr std::array<bool, 256> Special = specialBytes();
 
-// The kHz column of a spot line ("DX de " included: 12 characters from the
-// 16th) holds a number above 0. Read like the analysis reads it: blanks and
-// tabs skipped, a sign before the first digit, digits with at most one
-// point, stop at anything else.
-bool hasFrequency(QStringView line) {
-    const QStringView field = line.mid(15, 12);
-    bool negative = false;
-    bool sign = false;
-    bool point = false;
-    bool digits = false;
-    bool nonZero = false;
-    for (const QChar c : field) {
-        const char16_t u = c.unicode();
-        if (u == u' ' || u == u'\t') {
-            continue;
-        }
-        if (u >= u'0' && u <= u'9') {
-            digits = true;
-            nonZero = nonZero || u != u'0';
-        } else if (u == u'.' && !point) {
-            point = true;
-        } else if ((u == u'-' || u == u'+') && !sign && !digits && !point) {
-            sign = true;
-            negative = u == u'-';
-        } else {
-            break;
-        }
-    }
-    return digits && nonZero && !negative;
-}
-
 // The line ends in ">" and is no text that ends in a placeholder: DX Spider
 // welcomes with "Please enter your name, set/name <your name>", and the
 // welcome belongs in the block of the prompt that follows it.
@@ -280,9 +249,7 @@ void ClusterFeed::handleLine(QString line) {
     if (line.startsWith(QLatin1String("DX de "))) {
         loggedIn_ = true;
         block_.clear();
-        if (hasFrequency(line)) {
-            Q_EMIT spotLine(line);
-        }
+        Q_EMIT spotLine(line);
         return;
     }
     if (isPrompt(line)) {

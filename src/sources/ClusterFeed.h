@@ -39,8 +39,8 @@ public:
     bool loggedIn() const { return loggedIn_; }
 
 Q_SIGNALS:
-    // A complete "DX de " line whose frequency column holds a number above
-    // 0, without its line end.
+    // A complete "DX de " line, without its line end. Whether it is a spot
+    // at all (a frequency above 0) is the evaluation's to decide.
     void spotLine(const QString &line);
     // A line ending in ">" (not closing a "<your name>" placeholder of a
     // welcome text): the prompt, with the non-spot lines that came

@@ -45,22 +45,6 @@ void expectSameAsReference(const MemoryPane &pane, const ReferencePane &referenc
     }
 }
 
-TEST(MemoryPane, HalfPrintedSpotStaysOutOfTheCommittedLines) {
-    MemoryPane pane;
-    pane.insertColored(u"old\r\n", 0);
-    pane.setCaret(0);
-    pane.commit();
-    pane.insertColored(u"new but not ended", 0);
-    EXPECT_TRUE(pane.hasUncommitted());
-    ASSERT_EQ(pane.lineCount(), 1);
-    EXPECT_EQ(pane.line(0).text, "old");
-    EXPECT_EQ(pane.text(), "new but not endedold\r\n");
-    pane.commit();
-    // A piece without line end joins the line below it, as in a text box.
-    ASSERT_EQ(pane.lineCount(), 1);
-    EXPECT_EQ(pane.line(0).text, "new but not endedold");
-}
-
 TEST(MemoryPane, DropsTheOldestLinesBeyondItsLimit) {
     MemoryPane pane(3);
     for (int i = 0; i < 10; ++i) {
@@ -76,7 +60,8 @@ TEST(MemoryPane, DropsTheOldestLinesBeyondItsLimit) {
 
 // Random prints at random carets (clamped at both ends), commits and
 // clears, against the plain reference: catches any slip in the line, run
-// and length bookkeeping.
+// and length bookkeeping, also of pieces without a line end that join the
+// committed line below them.
 TEST(MemoryPane, AgreesWithAPlainTextModelUnderRandomUse) {
     std::mt19937 random(20261121);
     const QString pieces[] = {"DX", " ", "\r\n", "JO62", "a\r\nb", "\r\n\r\n", "<ES>", "x"};

@@ -23,61 +23,52 @@ TEST(SelectedPanes, BandsAreInclusiveAndEsHasItsOwnPane) {
 }
 
 // The result fields of a computed spot whose cloud is over JO96 and whose
-// hop from the own station comes down in KP20. Each field has its own
-// colour: k black, m magenta, g grey.
+// hop from the own station comes down in KP20: the runs before the line
+// end, each its colour (k black, m magenta, g grey) and its text, "|"
+// between them.
 TEST(ResultFields, TextAndColourAtEveryBoundary) {
     // clang-format off
     const struct {
         float frequency;
-        const char *mode;
+        char mode; // E: Es, ?: none
         double muf, ownMuf, elevation, ownKm;
-        const char *text, *colours;
+        const char *runs;
     } cases[] = {
-        {50.15f, "ES", 63.57, 50.15, 8.36, 565.5,
-         "    MUF= 64MHz@JO96  FOT= 50MHz -> KP20 AZ=360 EL=  8", "kkkk"},
+        {50.1, 'E', 63.6, 50.15, 8, 565, "k    MUF= 64MHz@JO96  FOT= 50MHz -> KP20 AZ=360 EL=  8"},
         // Magenta from a MUF that rounds to 144, for the MUF and the square.
-        {50.15f, "ES", 143.49, 50, 8, 565.5,
-         "    MUF=143MHz@JO96  FOT= 50MHz -> KP20 AZ=360 EL=  8", "kkkk"},
-        {50.15f, "ES", 143.5, 50, 8, 565.5, "    MUF=144MHz@JO96  FOT= 50MHz -> KP20 AZ=360 EL=  8",
-         "mmkk"},
+        {50.1, 'E', 143.4, 50, 8, 565, "k    MUF=143MHz@JO96  FOT= 50MHz -> KP20 AZ=360 EL=  8"},
+        {50.1, 'E', 143.5, 50, 8, 565, "m    MUF=144MHz@JO96 |k FOT= 50MHz -> KP20 AZ=360 EL=  8"},
         // The own MUF: magenta from 144, the course only while the cloud is
         // not below the horizon (elevation rounded).
-        {50.15f, "ES", 150, 143.49, 8, 565.5,
-         "    MUF=150MHz@JO96  FOT=143MHz -> KP20 AZ=360 EL=  8", "mmkk"},
-        {50.15f, "ES", 150, 143.5, -0.5, 565.5,
-         "    MUF=150MHz@JO96  FOT=144MHz -> KP20 AZ=360 EL=  0", "mmmm"},
-        {50.15f, "ES", 150, 144, -0.51, 565.5,
-         "    MUF=150MHz@JO96  FOT=144MHz -> KP20 AZ=360 EL= -1", "mmmg"},
+        {50.1, 'E', 150, 143.4, 8, 565, "m    MUF=150MHz@JO96 |k FOT=143MHz -> KP20 AZ=360 EL=  8"},
+        {50.1, 'E', 150, 143.5, -.5, 565, "m    MUF=150MHz@JO96  FOT=144MHz -> KP20 AZ=360 EL=  0"},
+        {50.1, 'E', 150, 144, -.6, 565, "m    MUF=150MHz@JO96  FOT=144MHz|g -> KP20 AZ=360 EL= -1"},
         // Below the horizon every field that is not magenta is grey.
-        {50.15f, "ES", 63.57, 0, -0.51, 565.5,
-         "    MUF= 64MHz@JO96             -> KP20 AZ=360 EL= -1", "gggg"},
-        {50.15f, "ES", 63.57, 0.5, -12.5, 565.5,
-         "    MUF= 64MHz@JO96  FOT=  1MHz -> KP20 AZ=360 EL=-12", "gggg"},
-        {50.15f, "ES", 63.57, 0.49, -0.5, 565.5,
-         "    MUF= 64MHz@JO96             -> KP20 AZ=360 EL=  0", "kkkk"},
+        {50.1, 'E', 63.6, 0, -0.6, 565, "g    MUF= 64MHz@JO96             -> KP20 AZ=360 EL= -1"},
+        {50.1, 'E', 63.6, 0.5, -12, 565, "g    MUF= 64MHz@JO96  FOT=  1MHz -> KP20 AZ=360 EL=-12"},
+        {50.1, 'E', 63.6, 0.4, -0.5, 565, "k    MUF= 64MHz@JO96             -> KP20 AZ=360 EL=  0"},
         // The course field only for a cloud nearer than 1500 km.
-        {50.15f, "ES", 63.57, 50.15, 8, 1499.99,
-         "    MUF= 64MHz@JO96  FOT= 50MHz -> KP20 AZ=360 EL=  8", "kkkk"},
-        {50.15f, "ES", 63.57, 50.15, 8, 1500, "    MUF= 64MHz@JO96  FOT= 50MHz", "kkk"},
-        // Doubtful results: an unmarked spot, over 250 MHz, or the limit of the
-        // band (the whole MHz of the frequency).
-        {50.15f, "??", 63.57, 50.15, 8, 1500, "Es? MUF= 64MHz@JO96  FOT= 50MHz", "kkk"},
-        {28.5f, "ES", 250.49, 50, 8, 1500, "    MUF=250MHz@JO96  FOT= 50MHz", "mmk"},
-        {28.5f, "ES", 250.5, 50, 8, 1500, "Es? MUF=251MHz@JO96  FOT= 50MHz", "mmk"},
-        {144.6f, "ES", 239.49, 50, 8, 1500, "    MUF=239MHz@JO96  FOT= 50MHz", "mmk"},
-        {144.6f, "ES", 239.5, 50, 8, 1500, "Es? MUF=240MHz@JO96  FOT= 50MHz", "mmk"},
-        {145.2f, "ES", 245, 50, 8, 1500, "    MUF=245MHz@JO96  FOT= 50MHz", "mmk"},
-        {70.6f, "ES", 219.4, 50, 8, 1500, "    MUF=219MHz@JO96  FOT= 50MHz", "mmk"},
-        {70.6f, "ES", 220, 50, 8, 1500, "Es? MUF=220MHz@JO96  FOT= 50MHz", "mmk"},
-        {50.6f, "ES", 199.4, 50, 8, 1500, "    MUF=199MHz@JO96  FOT= 50MHz", "mmk"},
-        {50.6f, "ES", 200, 50, 8, 1500, "Es? MUF=200MHz@JO96  FOT= 50MHz", "mmk"},
-        {1296.2f, "ES", 5200.2, 1000, 8, 1500, "Es? MUF=5200MHz@JO96  FOT=1000MHz", "mmm"},
+        {50.1, 'E', 63.6, 50, 8, 1499.9, "k    MUF= 64MHz@JO96  FOT= 50MHz -> KP20 AZ=360 EL=  8"},
+        {50.1, 'E', 63.6, 50.15, 8, 1500, "k    MUF= 64MHz@JO96  FOT= 50MHz"},
+        // Doubtful results: an unmarked spot, over 250 MHz, or the limit of
+        // the band (the whole MHz of the frequency).
+        {50.1, '?', 63.6, 50.15, 8, 1500, "kEs? MUF= 64MHz@JO96  FOT= 50MHz"},
+        {28.5, 'E', 250.4, 50, 8, 1500, "m    MUF=250MHz@JO96 |k FOT= 50MHz"},
+        {28.5, 'E', 250.5, 50, 8, 1500, "mEs? MUF=251MHz@JO96 |k FOT= 50MHz"},
+        {144.6, 'E', 239.49, 50, 8, 1500, "m    MUF=239MHz@JO96 |k FOT= 50MHz"},
+        {144.6, 'E', 239.5, 50, 8, 1500, "mEs? MUF=240MHz@JO96 |k FOT= 50MHz"},
+        {145.2, 'E', 245, 50, 8, 1500, "m    MUF=245MHz@JO96 |k FOT= 50MHz"},
+        {70.6, 'E', 219.4, 50, 8, 1500, "m    MUF=219MHz@JO96 |k FOT= 50MHz"},
+        {70.6, 'E', 220, 50, 8, 1500, "mEs? MUF=220MHz@JO96 |k FOT= 50MHz"},
+        {50.6, 'E', 199.4, 50, 8, 1500, "m    MUF=199MHz@JO96 |k FOT= 50MHz"},
+        {50.6, 'E', 200, 50, 8, 1500, "mEs? MUF=200MHz@JO96 |k FOT= 50MHz"},
+        {1296.2, 'E', 5200.2, 1000, 8, 1500, "mEs? MUF=5200MHz@JO96  FOT=1000MHz"},
     };
     // clang-format on
     for (const auto &c : cases) {
         EvaluatedSpot spot;
         spot.frequency = c.frequency;
-        spot.mode = c.mode;
+        spot.mode = c.mode == 'E' ? "ES" : "??";
         spot.es = EsPath{.cloud = "JO96GP",
                          .muf = c.muf,
                          .ownMuf = c.ownMuf,
@@ -89,29 +80,12 @@ TEST(ResultFields, TextAndColourAtEveryBoundary) {
         Print_MidSquare(spot);
         Print_FotField(spot);
         Print_AzField(spot);
-        QString text;
-        std::string perCharacter, colours;
-        for (const TextRun &run : spot.runs) {
-            text += run.text;
-            const char colour = run.colour == M   ? 'm'
-                                : run.colour == G ? 'g'
-                                : run.colour == K ? 'k'
-                                                  : '?';
-            perCharacter += std::string(std::size_t(run.text.size()), colour);
+        Runs expected;
+        for (const QString &run : QString(c.runs).split('|')) {
+            expected.append({run.mid(1), run[0] == 'm' ? M : run[0] == 'g' ? G : K});
         }
-        EXPECT_EQ(text, QString::fromLatin1(c.text) + "\r\n") << c.text;
-        // The colour of each field (MUF, square, FOT, course, line end), the
-        // same all through it.
-        const qsizetype at = text.indexOf('@'), arrow = text.indexOf(" -> "), end = text.size() - 2;
-        const qsizetype bounds[] = {0, at, at + 6, arrow < 0 ? end : arrow, end, end + 2};
-        for (std::size_t i = 0; i + 1 < std::size(bounds); ++i) {
-            const std::string field =
-                perCharacter.substr(std::size_t(bounds[i]), std::size_t(bounds[i + 1] - bounds[i]));
-            if (!field.empty()) {
-                colours += field.find_first_not_of(field[0]) == std::string::npos ? field[0] : '?';
-            }
-        }
-        EXPECT_EQ(colours, c.colours + std::string("k")) << c.text;
+        expected.append({"\r\n", K});
+        EXPECT_EQ(spot.runs, expected) << c.runs;
     }
 }
 

@@ -191,7 +191,8 @@ TEST(BracketModeWords, BracketsTheModeWordsOfEsSpotsOnly) {
     }
     for (const auto &[line, bracketed] :
          {std::pair{"A ES B es C Es D eS E", "A<ES>B<ES>C<ES>D eS E"},
-          std::pair{"x ms y tr z Ms u Tr t eme v", "x<MS>y<TR>z<MS>u<TR>t<EME>v"},
+          std::pair{"x ms y tr z Ms u Tr t eme v TR w SAT q",
+                    "x<MS>y<TR>z<MS>u<TR>t<EME>v<TR>w<SAT>q"},
           std::pair{" MS TR EME SAT ", "<MS>TR<EME>SAT "}, // a blank goes to the first word
           std::pair{" MS ES ", " MS<ES>"},                 // all " ES " first
           std::pair{"ESKIMO YES  a Eme b Sat c", "ESKIMO YES  a Eme b Sat c"}}) {

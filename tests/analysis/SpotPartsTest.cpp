@@ -22,9 +22,7 @@ TEST(ExtractSpotFields, CutsTheLineByTheColumnsOfTheRunMode) {
         QString line;
         const char *fields; // spotter|frequency|DX call|comment|time|tail1|tail2
     } cases[] = {
-        {"TELNETCLUSTER", clusterLine("50110.0", "JO90JR<ES>KP20").mid(6),
-         "SP9HWY:|50.11|OH1XYZ|JO90JR<ES>KP20                 171|1712||"},
-        {"file", clusterLine("1296012.5", "x").mid(6),
+        {"TeLnEtClUsTeR", clusterLine("1296012.5", "x").mid(6),
          "SP9HWY:|1296.01|OH1XYZ|x                              171|1712||"},
         // The frequency column reaches into the DX call: a call that starts
         // with a digit adds to the number.
@@ -93,6 +91,7 @@ TEST(FindMode, ClassifiesInTestOrderAndCutsTheMarker) {
         // those ES comes before EME.
         {"", "", "<MS> ES", "ES", "<MS>"},
         {"", "", "<EME> (ES)", "ES", "<EME> "},
+        {"", "", "(EME) <EME>", "EME", "(EME) "},
         {"", "", "HIGH MUF2 NOW", "MUF", "HIGHNOW"},
         {"", "", "EME SAT", "EME", "SAT"},
         // One square: TR, and the comment is not looked at.

@@ -35,23 +35,25 @@ TEST(LeadingNumber, ReadsTheNumberAFrequencyColumnBeginsWith) {
 }
 
 TEST(TextFunctions, PositionsCountFromOneAndNeverFail) {
-    const QString text = "ABCDEF";
-    const struct {
-        int start, length;
-        const char *mid;
-    } cases[] = {{1, 3, "ABC"}, {4, 10, "DEF"}, {6, 1, "F"}, {7, 1, ""},
-                 {0, 3, ""},    {-2, 3, ""},    {2, 0, ""},  {2, -1, ""}};
-    for (const auto &c : cases) {
-        EXPECT_EQ(mid(text, c.start, c.length), c.mid) << c.start << "," << c.length;
-    }
-    EXPECT_EQ(mid(text, 3) + "|" + mid(text, 7) + "|" + left(text, 2) + "|" + right(text, 2),
-              "CDEF||AB|EF");
-    EXPECT_EQ(inStr(u"DX de DX de", u"DX de"), 1);
-    EXPECT_EQ(inStr(u"DX de DX de", u"DX de", 2), 7);
-    EXPECT_EQ(inStr(u"DX de DX de", u"dx de"), 0); // case-sensitive
-    EXPECT_EQ(inStr(u"DX", u"X", 0), 0);
-    EXPECT_EQ(trimBlanks(u"  DL1 ABC  ") + "|" + trimBlanks(u"\tDL1ABC ") + "|" + trimBlanks(u"  "),
-              "DL1 ABC|\tDL1ABC|");
+    const QString t = "ABCDEF";
+    const QStringList got{mid(t, 1, 3),
+                          mid(t, 4, 10),
+                          mid(t, 7, 1),
+                          mid(t, 0, 3),
+                          mid(t, 2, -1),
+                          mid(t, 3),
+                          mid(t, 7),
+                          left(t, 2),
+                          left(t, -1),
+                          right(t, 2),
+                          trimBlanks(u"  DL1 ABC  "),
+                          trimBlanks(u"\tDL1ABC "),
+                          trimBlanks(u"  ")};
+    EXPECT_EQ(got.join('|'), "ABC|DEF||||CDEF||AB||EF|DL1 ABC|\tDL1ABC|");
+    // Case-sensitive, from a start counted from 1, 0 for not found.
+    EXPECT_EQ(QList<int>({inStr(u"DX de DX de", u"DX de"), inStr(u"DX de DX de", u"DX de", 2),
+                          inStr(u"DX de", u"dx de"), inStr(u"DX", u"X", 0)}),
+              QList<int>({1, 7, 0, 0}));
 }
 
 } // namespace

@@ -121,9 +121,9 @@ QList<Stream> streams() {
          spot(Spot1) + prompt({}) + spot(Spot2)},
         {"a line above 64 KB", longLine + "\r\n" + Prompt + "\r\n",
          lines({longLine}) + prompt({longLine})},
-        {"a spot without frequency is none",
+        {"a DX line without frequency still drops the kept lines",
          "kept\r\n" + noFrequency + "\r\n" + zeroFrequency + "\r\n" + Prompt + "\n",
-         lines({"kept", noFrequency, zeroFrequency}) + prompt({})},
+         lines({"kept"}) + spot(noFrequency) + spot(zeroFrequency) + prompt({})},
         {"the prompt block keeps the newest lines", manyLines + Prompt + "\r\n",
          lines(allKept) + prompt(allKept.mid(5))},
     };

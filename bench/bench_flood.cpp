@@ -30,7 +30,8 @@ using namespace zkr;
 namespace {
 
 QByteArray spot(int number) {
-    return QStringLiteral("DX de SP9HWY:     50110.0  F%1      JO62QM JO65 MS                 1712Z\r\n")
+    return QStringLiteral(
+               "DX de SP9HWY:     50110.0  F%1      JO62QM JO65 MS                 1712Z\r\n")
         .arg(number, 6, 10, QLatin1Char('0'))
         .toLatin1();
 }
@@ -45,7 +46,8 @@ public:
         address.sin_family = AF_INET;
         address.sin_addr.s_addr = htonl(INADDR_LOOPBACK);
         socklen_t length = sizeof address;
-        if (listener_ >= 0 && bind(listener_, reinterpret_cast<sockaddr *>(&address), length) == 0 &&
+        if (listener_ >= 0 &&
+            bind(listener_, reinterpret_cast<sockaddr *>(&address), length) == 0 &&
             listen(listener_, 1) == 0 &&
             getsockname(listener_, reinterpret_cast<sockaddr *>(&address), &length) == 0) {
             port_ = ntohs(address.sin_port);

@@ -72,7 +72,9 @@ struct Rig {
         window.show();
     }
     // A spot arrives on the cluster session's feed, as from the network.
-    void receive(const QString &spot) { window.sources().session().feed().receive(spot.toLatin1()); }
+    void receive(const QString &spot) {
+        window.sources().session().feed().receive(spot.toLatin1());
+    }
     // One spot as the user sees it: evaluated, then the visible pane painted.
     double timeOneSpot(const QString &spot) {
         QElapsedTimer clock;

@@ -1,7 +1,7 @@
 // A downloaded web spot page, anything at all: tag removal, the cut of the
 // redirect script, the line split, the entity clean-up and the evaluation.
-#include "SpotLineParsing.h"
 #include "FuzzSupport.h"
+#include "SpotLineParsing.h"
 #include "SpotPage.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {

@@ -19,15 +19,15 @@ struct TextRun {
 
 // The Es path of a computed spot, as seen from the own station.
 struct EsPath {
-    QString cloud;          // square of the path midpoint, where the cloud sits (6 characters)
-    double muf = 0;         // Es MUF of the spot path, MHz
-    double critical = 0;    // Es critical frequency, MHz
-    double ownMuf = 0;      // MUF from the own station via the cloud (the FOT field), MHz
-    double azimuth = 0;     // own station towards the cloud, degrees
-    double elevation = 0;   // of the cloud above the own horizon, degrees
-    QString far;            // where a hop from the own station via the cloud comes down
-    double pathKm = 0;      // length of the spot path
-    double ownKm = 0;       // own station to the cloud
+    QString cloud;        // square of the path midpoint, where the cloud sits (6 characters)
+    double muf = 0;       // Es MUF of the spot path, MHz
+    double critical = 0;  // Es critical frequency, MHz
+    double ownMuf = 0;    // MUF from the own station via the cloud (the FOT field), MHz
+    double azimuth = 0;   // own station towards the cloud, degrees
+    double elevation = 0; // of the cloud above the own horizon, degrees
+    QString far;          // where a hop from the own station via the cloud comes down
+    double pathKm = 0;    // length of the spot path
+    double ownKm = 0;     // own station to the cloud
 
     friend bool operator==(const EsPath &, const EsPath &) = default;
 };
@@ -36,7 +36,7 @@ struct EsPath {
 // what was printed where. Every subscriber (panes, console, headless tool,
 // alerts, history) works from this value alone.
 struct EvaluatedSpot {
-    QString line;     // the line as analysed and printed (prefix removed, mode words bracketed)
+    QString line; // the line as analysed and printed (prefix removed, mode words bracketed)
     QString spotter;
     float frequency = 0; // MHz
     QString dxCall;
@@ -46,16 +46,16 @@ struct EvaluatedSpot {
     QString tail2;
     QString locator1; // as found in the comment; a square alone ends in "??"
     QString locator2;
-    QString mode;     // "ES", "MS", "TR", "EME", "SAT", "MUF", or "??" for none
+    QString mode; // "ES", "MS", "TR", "EME", "SAT", "MUF", or "??" for none
     // Present when the Es path was computed: two different locators and an
     // Es spot (or any unmarked spot when all spots are evaluated).
     std::optional<EsPath> es;
     // The printed line, its CR LF line end as the last run; empty when the
     // filters printed nothing.
     QList<TextRun> runs;
-    unsigned panes = 0;             // bit i: pane i (All, VHF, 2m, Es) took the runs
-    bool esResultPrinted = false;   // Es results went into the panes
-    QString error;                  // why evaluation stopped early, "" when it did not
+    unsigned panes = 0;           // bit i: pane i (All, VHF, 2m, Es) took the runs
+    bool esResultPrinted = false; // Es results went into the panes
+    QString error;                // why evaluation stopped early, "" when it did not
 
     friend bool operator==(const EvaluatedSpot &, const EvaluatedSpot &) = default;
 };

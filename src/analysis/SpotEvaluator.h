@@ -10,11 +10,11 @@ namespace zkr {
 
 // What the evaluation of a spot depends on besides the line itself.
 struct AnalysisSettings {
-    QString ownLocator;                    // OwnLocator: six characters, upper-case
-    ColumnTable columns = ClusterColumns;  // SpotLine_Columns of the source
-    bool evalAll = false;                  // Eval_Flag: unmarked spots are computed like Es spots
-    bool over144Only = false;              // print only spots of MinFrequency_MHz and above
-    bool esSpotsOnly = false;              // print only Es spots
+    QString ownLocator;                   // OwnLocator: six characters, upper-case
+    ColumnTable columns = ClusterColumns; // SpotLine_Columns of the source
+    bool evalAll = false;                 // Eval_Flag: unmarked spots are computed like Es spots
+    bool over144Only = false;             // print only spots of MinFrequency_MHz and above
+    bool esSpotsOnly = false;             // print only Es spots
     QString settingsFileName = QStringLiteral("zkr_muf.ini"); // named when the own locator is wrong
 };
 

@@ -81,10 +81,9 @@ int main(int argc, char *argv[]) {
         run.runLive(options.seconds);
     } else {
         QFile input;
-        const bool opened = options.fileName.isEmpty()
-                                ? input.open(stdin, QIODevice::ReadOnly)
-                                : (input.setFileName(options.fileName),
-                                   input.open(QIODevice::ReadOnly));
+        const bool opened = options.fileName.isEmpty() ? input.open(stdin, QIODevice::ReadOnly)
+                                                       : (input.setFileName(options.fileName),
+                                                          input.open(QIODevice::ReadOnly));
         if (!opened) {
             return fail(QStringLiteral("cannot read \"%1\": %2")
                             .arg(options.fileName.isEmpty() ? QStringLiteral("standard input")

@@ -133,14 +133,12 @@ void SpotSources::onSessionStatus(ClusterSession::State state, const QString &te
     }
     if (up != state_.Telnet_Connected) {
         state_.Telnet_Connected = up;
-        console().setConnectionState(up ? QStringLiteral(" Connected")
-                                        : QStringLiteral("not connected"),
-                                     up ? Green : Red);
+        console().setConnectionState(
+            up ? QStringLiteral(" Connected") : QStringLiteral("not connected"), up ? Green : Red);
     }
-    const std::uint32_t colour = state == State::LoggedIn ? Yellow
-                                 : state == State::Connecting || state == State::Connected
-                                     ? White
-                                     : Red;
+    const std::uint32_t colour = state == State::LoggedIn                                  ? Yellow
+                                 : state == State::Connecting || state == State::Connected ? White
+                                                                                           : Red;
     window_.setStatusLabel(state == State::Idle ? NotConnectedText : text, colour);
 }
 
@@ -160,7 +158,8 @@ void SpotSources::sendData(const QString &text) {
 
 void SpotSources::record(const QString &chunk) {
     QStringList &lines = state_.Console_Lines;
-    if (lines.size() - 1 >= ConsoleRecordLimit || recordChars_ + chunk.size() > ConsoleRecordChars) {
+    if (lines.size() - 1 >= ConsoleRecordLimit ||
+        recordChars_ + chunk.size() > ConsoleRecordChars) {
         // Drop the oldest chunks until a tenth of both limits is free, so the
         // record costs the same per chunk in a run of any length.
         qsizetype drop = 0;

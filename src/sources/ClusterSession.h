@@ -23,13 +23,13 @@ class ClusterSession : public QObject {
     Q_OBJECT
 public:
     struct Options {
-        int firstRetryMs = 3000;   // wait before the first retry (jitter added, at most 5 s)
-        int maxRetryMs = 300000;   // longest wait between retries
+        int firstRetryMs = 3000; // wait before the first retry (jitter added, at most 5 s)
+        int maxRetryMs = 300000; // longest wait between retries
         int connectTimeoutMs = 15000;
-        int keepAliveIdleS = 60;   // silence before the first probe
+        int keepAliveIdleS = 60; // silence before the first probe
         int keepAliveIntervalS = 20;
-        int keepAliveCount = 5;    // unanswered probes before the link counts as dead
-        int writeGapMs = 100;      // pause between two queued writes
+        int keepAliveCount = 5; // unanswered probes before the link counts as dead
+        int writeGapMs = 100;   // pause between two queued writes
     };
 
     // Most bytes handed on per turn of the event loop.

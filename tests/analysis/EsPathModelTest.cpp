@@ -18,12 +18,6 @@ SpotWork pathWork(const QString &locator1, const QString &locator2, float freque
     return work;
 }
 
-AnalysisSettings ownAt(const char *locator) {
-    AnalysisSettings settings;
-    settings.ownLocator = locator;
-    return settings;
-}
-
 TEST(PathGeometry, DateLineHorizonAndFaults) {
     EXPECT_NEAR(Mid_Longitude(0, 179, 0, -170), 184.5, 1e-9); // not wrapped
     // cos(theta) = 6367/6477 at 0.18456143 rad: the layer on the horizon.
@@ -36,21 +30,12 @@ TEST(PathGeometry, DateLineHorizonAndFaults) {
     expectFault([] { Es_Elevation(0, 6367, 110); }, RunTimeError::DivisionByZero, "sin 0");
 }
 
-// Expected values worked from the formulas by a small script of the same
-// steps with acos and atan2 in place of the arc-tangent forms.
+// Values worked by a script of the same steps with acos and atan2 in place.
 TEST(ComputeEsPath, MatchesTheHandWorkedPaths) {
     // clang-format off
-    const struct {
-        const char *locator1, *locator2, *own;
-        float frequency;
-        EsPath path;
-    } cases[] = {
-        // 1131 km, own station at the first end. Hop 565.5 km, theta =
-        // 0.0888218: E = atan((cos theta - 6367/6477) / sin theta) = 8.3635079;
-        // k = (1 + 110/6367)^-2 = 0.9663221; 1 - k cos^2 E = 0.0541220; MUF =
-        // 50.15 * sqrt(0.0541220 / (1 - k)) = 63.5748. The own station sees
-        // the cloud under the same elevation, so its MUF is the spot
-        // frequency, and the far point is the other end.
+    const struct { const char *locator1, *locator2, *own; float frequency; EsPath path; }
+    cases[] = {
+        // 1131 km, the own station at one end: own MUF = f, the far point the other end.
         {"JO62QM", "KP20??", "JO62QM", 50.150f,
          {"JO96GP", 63.57481562977738, 11.666959850858632, 50.150001525878906, 34.0482319069343,
           8.36350785629095, "KP20LL", 1131.0572539974512, 565.5286269987249}},
@@ -59,10 +44,9 @@ TEST(ComputeEsPath, MatchesTheHandWorkedPaths) {
         {"IO91WM", "KN04??", "QF56OD", 28.885f,
          {"JN58NL", 30.146194151120387, 5.5322918884340995, 0, 308.51681345291803,
           -73.38221249250978, "GE05HO", 1743.5875669475356, 16341.461206627573}},
-        // 2557 km: the hop is below the horizon, its elevation taken as 0, so
-        // the MUF is the spot frequency and the critical frequency f sqrt(1 -
-        // k) = 50.15 * 0.1835154. From JO62QM the cloud is at -1.12 degrees,
-        // which rounds to -1: no own MUF.
+        // 2557 km: the hop below the horizon counts as E = 0, so MUF = f, critical
+        // f sqrt(1 - k), k = (1 + 110/6367)^-2; from JO62QM the cloud at -1.12 degrees
+        // rounds to -1: no own MUF.
         {"HN88LL", "JO62??", "JO62QM", 50.150f,
          {"IO71CV", 50.150001525878906, 9.2032992707395, 0, 274.5302019245686,
           -1.1199822133858064, "HN88HH", 2556.64708676103, 1306.0586709152697}},
@@ -70,7 +54,7 @@ TEST(ComputeEsPath, MatchesTheHandWorkedPaths) {
     // clang-format on
     for (const auto &c : cases) {
         SpotWork work = pathWork(c.locator1, c.locator2, c.frequency);
-        ASSERT_TRUE(Compute_EsPath(work, ownAt(c.own))) << c.locator1;
+        ASSERT_TRUE(Compute_EsPath(work, AnalysisSettings{.ownLocator = c.own})) << c.locator1;
         const EsPath &got = work.path, &want = c.path;
         EXPECT_EQ(got.cloud + " " + got.far, want.cloud + " " + want.far);
         const double values[][2] = {
@@ -91,7 +75,7 @@ TEST(ComputeEsPath, ASpotNamingOneLocatorTwiceIsComputed) {
         for (char16_t square = u'0'; square <= u'9'; ++square) {
             const QString locator = QString("J_5_LL").replace(1, 1, field).replace(3, 1, square);
             SpotWork work = pathWork(locator, locator, 50.15f);
-            ASSERT_TRUE(Compute_EsPath(work, ownAt("JO62QM")));
+            ASSERT_TRUE(Compute_EsPath(work, AnalysisSettings{.ownLocator = "JO62QM"}));
             EXPECT_EQ(work.two.longitude, work.one.longitude + 0.000001);
             EXPECT_NEAR(work.path.pathKm, 6367 * Clamped, 1e-9) << locator.toStdString();
         }

@@ -1,5 +1,4 @@
-// The path geometry against Hamlib's locator functions and GeographicLib's
-// geodesics on a sphere: code written elsewhere, for other programs.
+// The path geometry against Hamlib's locators and GeographicLib's geodesics.
 
 #include "EsPathModel.h"
 #include "SpotEvaluator.h"
@@ -17,24 +16,18 @@ using namespace zkr;
 
 namespace {
 
-constexpr double Radius = 6367.0;
-
 class Reference : public ::testing::Test {
 protected:
     void SetUp() override { rig_set_debug(RIG_DEBUG_NONE); }
 
     // Fields A-R, subsquares A-X: what the own-locator check accepts.
     QString randomLocator() {
-        const auto pick = [this](int count) {
-            return std::uniform_int_distribution(0, count - 1)(random_);
-        };
-        const char16_t locator[6] = {char16_t(u'A' + pick(18)), char16_t(u'A' + pick(18)),
-                                     char16_t(u'0' + pick(10)), char16_t(u'0' + pick(10)),
-                                     char16_t(u'A' + pick(24)), char16_t(u'A' + pick(24))};
-        return QString(reinterpret_cast<const QChar *>(locator), 6);
-    }
-    double uniform(double from, double to) {
-        return std::uniform_real_distribution(from, to)(random_);
+        QString locator;
+        for (const auto &[first, count] :
+             {std::pair{'A', 18}, {'A', 18}, {'0', 10}, {'0', 10}, {'A', 24}, {'A', 24}}) {
+            locator += QChar(first + std::uniform_int_distribution(0, count - 1)(random_));
+        }
+        return locator;
     }
 
     std::mt19937_64 random_{20250110};
@@ -45,6 +38,7 @@ double wrap180(double degrees) {
 }
 
 TEST_F(Reference, LocatorsAgreeWithHamlib) {
+    std::uniform_real_distribution offEdge(-0.45, 0.45);
     for (int i = 0; i < 5000; ++i) {
         QString locator = randomLocator();
         const QByteArray text = locator.toLatin1();
@@ -55,29 +49,28 @@ TEST_F(Reference, LocatorsAgreeWithHamlib) {
         ASSERT_NEAR(lon, hamlibLon, 1e-9) << text.constData();
         ASSERT_EQ(LatLon_To_Locator(lat, lon), locator); // round trip
         // Anywhere in the subsquare but off its edges, where roundings differ.
-        lat += uniform(-0.45, 0.45) / 24;
-        lon += uniform(-0.45, 0.45) / 12;
+        lat += offEdge(random_) / 24;
+        lon += offEdge(random_) / 12;
         char hamlib[16] = {};
         ASSERT_EQ(longlat2locator(lon, lat, hamlib, 3), RIG_OK);
         ASSERT_EQ(LatLon_To_Locator(lat, lon), QString::fromLatin1(hamlib)) << lat << " " << lon;
     }
 }
 
-// GeographicLib's direct and inverse geodesics with flattening 0 are exact
-// on the sphere, so the whole path agrees to rounding: midpoint, distances,
-// course, and the far point (its longitude east of 180 reflected).
+// GeographicLib's geodesics with flattening 0 are exact on the sphere: the whole
+// path agrees to rounding, the far point's longitude east of 180 reflected.
 TEST_F(Reference, EsPathsAgreeWithGeographicLib) {
+    const double Radius = EarthRadius;
     const GeographicLib::Geodesic sphere(Radius, 0);
     int reflected = 0;
     for (int i = 0; i < 3000; ++i) {
         SpotWork w;
         w.spot.locator1 = randomLocator();
         w.spot.locator2 = randomLocator();
-        AnalysisSettings settings;
-        settings.ownLocator = randomLocator();
+        const AnalysisSettings settings{.ownLocator = randomLocator()};
         ASSERT_TRUE(Compute_EsPath(w, settings));
-        const std::string what = (w.spot.locator1 + QLatin1Char(' ') + w.spot.locator2 +
-                                  QLatin1Char(' ') + settings.ownLocator)
+        const std::string what = QStringList{w.spot.locator1, w.spot.locator2, settings.ownLocator}
+                                     .join(' ')
                                      .toStdString();
         double length = 0, course1 = 0, course2 = 0;
         sphere.Inverse(w.one.latitude, w.one.longitude, w.two.latitude, w.two.longitude, length,

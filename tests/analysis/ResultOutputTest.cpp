@@ -6,14 +6,13 @@ using namespace zkr;
 namespace {
 
 TEST(SelectedPanes, BandsAreInclusiveAndEsHasItsOwnPane) {
-    const struct {
-        float frequency;
-        const char *mode;
-        unsigned panes; // bit i: pane i
-    } cases[] = {{144.300f, "??", 0b0111}, {148.000f, "MS", 0b0111}, {148.001f, "??", 0b0011},
-                 {144.000f, "ES", 0b1111}, {143.999f, "ES", 0b1011}, {30.000f, "TR", 0b0011},
-                 {29.999f, "ES", 0b1001},  {300.000f, "??", 0b0011}, {300.001f, "??", 0b0001},
-                 {7.040f, "es", 0b0001}};
+    // clang-format off
+    const struct { float frequency; const char *mode; unsigned panes; } cases[] = { // bit i: pane i
+        {144.300f, "??", 0b0111}, {148.000f, "MS", 0b0111}, {148.001f, "??", 0b0011},
+        {144.000f, "ES", 0b1111}, {143.999f, "ES", 0b1011}, {30.000f, "TR", 0b0011},
+        {29.999f, "ES", 0b1001},  {300.000f, "??", 0b0011}, {300.001f, "??", 0b0001},
+        {7.040f, "es", 0b0001}};
+    // clang-format on
     for (const auto &c : cases) {
         EvaluatedSpot spot;
         spot.frequency = c.frequency;
@@ -22,19 +21,13 @@ TEST(SelectedPanes, BandsAreInclusiveAndEsHasItsOwnPane) {
     }
 }
 
-// The result fields of a computed spot whose cloud is over JO96 and whose
-// hop from the own station comes down in KP20: the runs before the line
-// end, each its colour (k black, m magenta, g grey) and its text, "|"
-// between them.
+// The result fields of a spot with its cloud over JO96 and the own hop down
+// in KP20: the runs before the line end, colour (k black, m magenta, g grey)
+// and text, "|" between them.
 TEST(ResultFields, TextAndColourAtEveryBoundary) {
     // clang-format off
-    const struct {
-        float frequency;
-        char mode; // E: Es, ?: none
-        double muf, ownMuf, elevation, ownKm;
-        const char *runs;
-    } cases[] = {
-        {50.1, 'E', 63.6, 50.15, 8, 565, "k    MUF= 64MHz@JO96  FOT= 50MHz -> KP20 AZ=360 EL=  8"},
+    const struct { float frequency; char mode; double muf, ownMuf, elevation, ownKm;
+                   const char *runs; } cases[] = { // mode E: Es, ?: none
         // Magenta from a MUF that rounds to 144, for the MUF and the square.
         {50.1, 'E', 143.4, 50, 8, 565, "k    MUF=143MHz@JO96  FOT= 50MHz -> KP20 AZ=360 EL=  8"},
         {50.1, 'E', 143.5, 50, 8, 565, "m    MUF=144MHz@JO96 |k FOT= 50MHz -> KP20 AZ=360 EL=  8"},
@@ -69,17 +62,10 @@ TEST(ResultFields, TextAndColourAtEveryBoundary) {
         EvaluatedSpot spot;
         spot.frequency = c.frequency;
         spot.mode = c.mode == 'E' ? "ES" : "??";
-        spot.es = EsPath{.cloud = "JO96GP",
-                         .muf = c.muf,
-                         .ownMuf = c.ownMuf,
-                         .azimuth = 359.5,
-                         .elevation = c.elevation,
-                         .far = "KP20LL",
-                         .ownKm = c.ownKm};
-        Print_MufField(spot);
-        Print_MidSquare(spot);
-        Print_FotField(spot);
-        Print_AzField(spot);
+        spot.es = EsPath{"JO96GP", c.muf, 0, c.ownMuf, 359.5, c.elevation, "KP20LL", 0, c.ownKm};
+        for (const auto print : {Print_MufField, Print_MidSquare, Print_FotField, Print_AzField}) {
+            print(spot);
+        }
         Runs expected;
         for (const QString &run : QString(c.runs).split('|')) {
             expected.append({run.mid(1), run[0] == 'm' ? M : run[0] == 'g' ? G : K});

@@ -2,6 +2,8 @@
 #include "SpotAnalysis.h"
 #include "TestSpots.h"
 
+#include <numeric>
+
 using namespace zkr;
 
 namespace {
@@ -9,33 +11,25 @@ namespace {
 // Own locator JO62QM; `filters` holds o (over 144 only), e (Es spots only),
 // a (evaluate all).
 AnalysisSettings settings(const std::string &filters = "") {
-    AnalysisSettings s;
-    s.ownLocator = "JO62QM";
-    s.over144Only = filters.find('o') != std::string::npos;
-    s.esSpotsOnly = filters.find('e') != std::string::npos;
-    s.evalAll = filters.find('a') != std::string::npos;
-    return s;
+    const auto has = [&](char c) { return filters.find(c) != std::string::npos; };
+    return {.ownLocator = "JO62QM",
+            .evalAll = has('a'),
+            .over144Only = has('o'),
+            .esSpotsOnly = has('e')};
 }
 
 QString joined(const EvaluatedSpot &spot) {
-    QString text;
-    for (const TextRun &run : spot.runs) {
-        text += run.text;
-    }
-    return text;
+    return std::accumulate(spot.runs.begin(), spot.runs.end(), QString(),
+                           [](const QString &text, const TextRun &run) { return text + run.text; });
 }
 
 TEST(EvaluateClusterLine, AnEsSpotBecomesACompleteValue) {
-    const EvaluatedSpot spot =
-        SpotEvaluator(settings())
-            .evaluateClusterLine(clusterLine("50150.0", "JO62QM es KP20") + "\r\n");
+    const SpotEvaluator evaluator(settings());
+    const QString input = clusterLine("50150.0", "JO62QM es KP20") + "\r\n";
+    const EvaluatedSpot spot = evaluator.evaluateClusterLine(input);
     const QString line = "SP9HWY:    50150.0  OH1XYZ       JO62QM<ES>KP20                 1712Z";
     EXPECT_EQ(spot.line, line);
-    EXPECT_EQ(QStringList({spot.spotter, spot.dxCall, spot.comment, spot.time, spot.locator1,
-                           spot.locator2, spot.mode}),
-              QStringList({"SP9HWY:", "OH1XYZ", "JO62QM es KP20                 171", "1712",
-                           "JO62QM", "KP20??", "ES"})); // the comment reaches into the time
-    EXPECT_EQ(spot.frequency, 50.15f);
+    EXPECT_EQ(spot.comment, "JO62QM es KP20                 171"); // reaches into the time
     ASSERT_TRUE(spot.es.has_value());
     EXPECT_EQ(spot.es->cloud + spot.es->far, "JO96GPKP20LL");
     EXPECT_NEAR(spot.es->muf, 63.57481562977738, 1e-9);
@@ -47,20 +41,16 @@ TEST(EvaluateClusterLine, AnEsSpotBecomesACompleteValue) {
                         {"\r\n", K}};
     EXPECT_EQ(spot.runs, expected);
     EXPECT_EQ(spot.panes, 0b1011u);
-    EXPECT_TRUE(spot.esResultPrinted);
-    EXPECT_EQ(spot.error, "");
+    evaluator.evaluateClusterLine(clusterLine("144300.0", "jo90jr JN18 eme"));
+    EXPECT_EQ(evaluator.evaluateClusterLine(input), spot) << "keeps nothing from spot to spot";
 }
 
 TEST(EvaluateClusterLine, FiltersDecideWhatIsPrintedNotWhatIsComputed) {
     // clang-format off
-    const struct {
-        const char *kiloHertz, *comment, *filters;
-        bool computed;
-        const char *printed; // "" nothing, "raw" the line, "full" the line and the results
-        unsigned panes;
-    } cases[] = {
+    // printed: "" nothing, "raw" the line, "full" the line and the results.
+    const struct { const char *kiloHertz, *comment, *filters; bool computed; const char *printed;
+                   unsigned panes; } cases[] = {
         {"50110.0", "JO90JR<ES>KP20", "", true, "full", 0b1011},
-        {"50110.0", "JO90JR<ES>KP20", "o", true, "", 0},
         {"143999.9", "JO90JR<ES>KP20", "o", true, "", 0},
         {"144000.0", "JO90JR<ES>KP20", "o", true, "full", 0b1111},
         {"50110.0", "JO90JR<MS>KP20", "", false, "raw", 0b0011},
@@ -81,8 +71,8 @@ TEST(EvaluateClusterLine, FiltersDecideWhatIsPrintedNotWhatIsComputed) {
         const std::string what = std::string(c.comment) + " " + c.kiloHertz + " " + c.filters;
         EXPECT_EQ(spot.es.has_value(), c.computed) << what;
         const QString printed = joined(spot);
-        const bool full = printed.startsWith(spot.line) && printed.contains("MUF=") &&
-                          printed.indexOf("\r\n") == printed.size() - 2;
+        const bool full = printed.startsWith(spot.line) && printed.count("\r\n") == 1 &&
+                          printed.indexOf("MUF=") == spot.line.size() + 4;
         EXPECT_EQ(printed.isEmpty()               ? ""
                   : printed == spot.line + "\r\n" ? "raw"
                   : full                          ? "full"
@@ -96,22 +86,14 @@ TEST(EvaluateClusterLine, FiltersDecideWhatIsPrintedNotWhatIsComputed) {
 
 TEST(EvaluateClusterLine, FailuresAreReportedInTheValue) {
     const QString esLine = clusterLine("50110.0", "JO90JR<ES>KP20");
-    const QString printed = "SP9HWY:    50110.0  OH1XYZ       JO90JR<ES>KP20                 1712Z";
     // A frequency too large for the results to print, read from a wide column.
     const QString huge = "X: 99999999999999999999 JO90JR<ES>KP20";
     // clang-format off
-    const struct {
-        const char *own;
-        QString line;
-        ColumnTable columns;
-        bool computed;
-        const char *error;
-        Runs runs;
-        unsigned panes;
-    } cases[] = {
+    const struct { const char *own; QString line; ColumnTable columns; bool computed;
+                   const char *error; Runs runs; unsigned panes; } cases[] = {
         // A wrong own locator: printed as a spot that is not computed.
         {"JO62QZ", esLine, ClusterColumns, false, "Own Locator in zkr_muf.ini is wrong !",
-         {{printed, K}, {"\r\n", K}}, 0b1011},
+         {{esLine.mid(6), K}, {"\r\n", K}}, 0b1011},
         {"JO62", esLine, ClusterColumns, false,
          "Run-time error '5':\r\n\r\nInvalid procedure call or argument", {}, 0},
         // Half printed: the line is still ended.
@@ -122,24 +104,14 @@ TEST(EvaluateClusterLine, FailuresAreReportedInTheValue) {
     };
     // clang-format on
     for (const auto &c : cases) {
-        AnalysisSettings s = settings();
-        s.ownLocator = c.own;
-        s.columns = c.columns;
-        const EvaluatedSpot spot = SpotEvaluator(s).evaluateClusterLine(c.line);
+        const EvaluatedSpot spot =
+            SpotEvaluator({.ownLocator = c.own, .columns = c.columns}).evaluateClusterLine(c.line);
         EXPECT_EQ(spot.error, c.error) << c.own;
         EXPECT_EQ(spot.es.has_value(), c.computed) << c.own;
         EXPECT_EQ(spot.runs, c.runs) << c.own;
         EXPECT_EQ(spot.panes, c.panes) << c.own;
         EXPECT_FALSE(spot.esResultPrinted) << c.own;
     }
-}
-
-TEST(EvaluateClusterLine, KeepsNothingFromOneSpotToTheNext) {
-    const SpotEvaluator evaluator(settings("a"));
-    const QString first = clusterLine("144300.0", "JO90JR<ES>KP20");
-    const EvaluatedSpot before = evaluator.evaluateClusterLine(first);
-    evaluator.evaluateClusterLine(clusterLine("50110.0", "jo62qm JN18 eme"));
-    EXPECT_EQ(evaluator.evaluateClusterLine(first), before);
 }
 
 TEST(PrepareClusterLine, CutsAtSeventyFiveBeforeRemovingThePrefix) {
@@ -155,10 +127,7 @@ TEST(PrepareClusterLine, CutsAtSeventyFiveBeforeRemovingThePrefix) {
 
 TEST(PrintRawLine, HighlightsTheFirstOwnSquareInTheLine) {
     // clang-format off
-    const struct {
-        const char *line, *locator1, *locator2;
-        Runs printed;
-    } cases[] = {
+    const struct { const char *line, *locator1, *locator2; Runs printed; } cases[] = {
         {"OH1XYZ KP20LL<TR>KP11", "KP20LL", "KP11??", {{"OH1XYZ KP20LL<TR>KP11", K}}},
         // Found in the upper-cased line, printed as the line has it.
         {"x kp20<TR>jo62qm 73", "KP20??", "JO62QM", {{"x kp20<TR>", K}, {"jo62", M}, {"qm 73", K}}},
@@ -168,8 +137,7 @@ TEST(PrintRawLine, HighlightsTheFirstOwnSquareInTheLine) {
         {"DL1ABC: OH1XYZ", "JO62QM", "KP20??", {{"DL1ABC: OH1XYZ", K}}},
     };
     // clang-format on
-    AnalysisSettings s = settings();
-    s.ownLocator = "jo62qm"; // compared upper-cased
+    const AnalysisSettings s{.ownLocator = "jo62qm"}; // compared upper-cased
     for (const auto &c : cases) {
         EvaluatedSpot spot;
         spot.line = c.line;
@@ -184,18 +152,17 @@ TEST(BracketModeWords, BracketsTheModeWordsOfEsSpotsOnly) {
     const SpotEvaluator evaluator(settings());
     for (const auto &[comment, printed] :
          {std::pair{"JO90JR es KP20 ms", "JO90JR<ES>KP20<MS>"},
-          std::pair{"es JO90JR sat KP20", "<ES>JO90JR<SAT>KP20"},
-          std::pair{"JO90JR ms KP20 es", " JO90JR ms KP20 es "}}) { // an MS spot
+          {"es JO90JR sat KP20", "<ES>JO90JR<SAT>KP20"},
+          {"JO90JR ms KP20 es", " JO90JR ms KP20 es "}}) { // an MS spot
         const QString line = evaluator.evaluateClusterLine(clusterLine("50110.0", comment)).line;
         EXPECT_TRUE(line.contains(printed)) << line.toStdString();
     }
     for (const auto &[line, bracketed] :
          {std::pair{"A ES B es C Es D eS E", "A<ES>B<ES>C<ES>D eS E"},
-          std::pair{"x ms y tr z Ms u Tr t eme v TR w SAT q",
-                    "x<MS>y<TR>z<MS>u<TR>t<EME>v<TR>w<SAT>q"},
-          std::pair{" MS TR EME SAT ", "<MS>TR<EME>SAT "}, // a blank goes to the first word
-          std::pair{" MS ES ", " MS<ES>"},                 // all " ES " first
-          std::pair{"ESKIMO YES  a Eme b Sat c", "ESKIMO YES  a Eme b Sat c"}}) {
+          {"x ms y tr z Ms u Tr t eme v TR w SAT q", "x<MS>y<TR>z<MS>u<TR>t<EME>v<TR>w<SAT>q"},
+          {" MS TR EME SAT ", "<MS>TR<EME>SAT "}, // a blank goes to the first word
+          {" MS ES ", " MS<ES>"},                 // all " ES " first
+          {"ESKIMO YES  a Eme b Sat c", "ESKIMO YES  a Eme b Sat c"}}) {
         QString text = line;
         Bracket_ModeWords(text);
         EXPECT_EQ(text, bracketed);
@@ -203,34 +170,30 @@ TEST(BracketModeWords, BracketsTheModeWordsOfEsSpotsOnly) {
 }
 
 TEST(EvaluateWebLine, CleansTheLineAndPrintsItInTheClusterShape) {
-    AnalysisSettings s = settings();
-    s.columns = WebColumns;
     // Spotter, frequency, DX call and comment in columns 1, 13, 24 and 37,
     // the time and the tails at 72, 77 and 80 once the entities are undone.
-    const auto webLine = [](const char *comment, int width) {
-        return QString("%1 %2 %3 %4 ")
-            .arg("DL1ABC", -11)
-            .arg("50110.0", 10)
-            .arg("OH1XYZ", -12)
-            .arg(comment, -width);
-    };
-    const EvaluatedSpot spot = SpotEvaluator(s).evaluateWebLine(
-        "  " + webLine("JO90JR &lt;ES&gt; KP20", 40) + "1712 OH Finla  ");
+    const QString head =
+        QString("%1 %2 %3 ").arg("DL1ABC", -11).arg("50110.0", 10).arg("OH1XYZ", -12);
+    const EvaluatedSpot spot =
+        SpotEvaluator({.ownLocator = "JO62QM", .columns = WebColumns})
+            .evaluateWebLine("  " + head + QString("JO90JR &lt;ES&gt; KP20").leftJustified(40) +
+                             " 1712 OH Finla  ");
     EXPECT_EQ(spot.spotter + "|" + spot.time + "|" + spot.tail1 + "|" + spot.tail2,
               "DL1ABC|1712|OH|Finla");
-    EXPECT_EQ(spot.line, webLine("JO90JR <ES> KP20", 34) + "  1712 OH Finla");
+    EXPECT_EQ(spot.line, head + QString("JO90JR <ES> KP20").leftJustified(34) + "   1712 OH Finla");
     EXPECT_TRUE(spot.esResultPrinted);
     EXPECT_TRUE(joined(spot).startsWith(spot.line + "    MUF="));
 }
 
 TEST(CleanSpotLine, UndoesEntitiesInOrderAndDropsTheDegreeSign) {
+    // "&lt;" is undone before "&amp;" makes a new one. "<>" ends the comment:
+    // it and the six characters before it (if there are) blank out.
     for (const auto &[in, out] :
          {std::pair<QString, QString>{"R&amp;D &quot;x&quot; &lt;ES&gt;", "R&D \"x\" <ES>"},
-          {"&amp;lt;", "&lt;"}, // "&lt;" is undone before "&amp;" makes a new one
-          {QString("55") + QChar(176) + "N", "55N"},
-          // "<>" ends the comment: it and the six characters before it blank out.
-          {"OH1XYZ ABCDEFGH<> 1712", "OH1XYZ AB         1712"},
-          {"ab<>cd", "    cd"}}) { // fewer than six before it: the length stays
+          {"&amp;lt;", "&lt;"},
+          {"55\u00B0N", "55N"},
+          {"ab<>cd", "    cd"},
+          {"OH1XYZ ABCDEFGH<> 1712", "OH1XYZ AB         1712"}}) {
         EXPECT_EQ(Clean_SpotLine(in), out) << in.toStdString();
     }
 }

@@ -11,17 +11,11 @@ using namespace zkr;
 namespace {
 
 TEST(ExtractSpotFields, CutsTheLineByTheColumnsOfTheRunMode) {
-    const QString web = QString("%1 %2 %3 %4 1712 OH Finla")
-                            .arg("DL1ABC", -11)
-                            .arg("50110.0", 10)
-                            .arg("OH1XYZ", -12)
-                            .arg("JO62QM KP20 es", -34);
     // clang-format off
-    const struct {
-        const char *runMode;
-        QString line;
-        const char *fields; // spotter|frequency|DX call|comment|time|tail1|tail2
-    } cases[] = {
+    const QString web = QString("%1 %2 %3 %4 1712 OH Finla").arg("DL1ABC", -11).arg("50110.0", 10)
+                            .arg("OH1XYZ", -12).arg("JO62QM KP20 es", -34);
+    // fields: spotter|frequency|DX call|comment|time|tail1|tail2.
+    const struct { const char *runMode; QString line; const char *fields; } cases[] = {
         {"TeLnEtClUsTeR", clusterLine("1296012.5", "x").mid(6),
          "SP9HWY:|1296.01|OH1XYZ|x                              171|1712||"},
         // The frequency column reaches into the DX call: a call that starts
@@ -38,79 +32,59 @@ TEST(ExtractSpotFields, CutsTheLineByTheColumnsOfTheRunMode) {
         EvaluatedSpot spot;
         spot.line = c.line;
         Extract_SpotFields(spot, settings);
-        const QString frequency = QString::number(spot.frequency, 'g', 6);
-        EXPECT_EQ(QStringList({spot.spotter, frequency, spot.dxCall, spot.comment, spot.time,
-                               spot.tail1, spot.tail2})
-                      .join('|'),
-                  c.fields)
-            << c.runMode;
+        const QStringList got{spot.spotter, QString::number(spot.frequency, 'g', 6),
+                              spot.dxCall,  spot.comment,
+                              spot.time,    spot.tail1,
+                              spot.tail2};
+        EXPECT_EQ(got.join('|'), c.fields) << c.runMode;
     }
 }
 
 TEST(FindLocators, CutsTwoLocatorsOutOfTheUpperCasedComment) {
-    const struct {
-        const char *comment, *locator1, *locator2, *rest;
-    } cases[] = {
-        {"JO62QM<ES>KP20", "JO62QM", "KP20??", "<ES>"},
-        {"KP20 JO62QM", "JO62QM", "KP20??", ""}, // six characters first, wherever
-        {"KP20 JO62 JO63", "KP20??", "JO62??", "JO63"},
-        {"jo62qm es kp20lm tnx", "JO62QM", "KP20LM", "ES  TNX"},
-        {"JO62QMKP20LM", "JO62QM", "KP20LM", ""},
-        {"TNX QSO 73", "", "", "TNX QSO 73"},
-        {"JO62YZ KP20", "JO62YZ", "KP20??", ""}, // any letter as subsquare
-        {"SO62QM TNX", "", "", "SO62QM TNX"},    // no field S
-        {"JO62Q1", "JO62??", "", "Q1"},
-        {"JO6JO62QM2", "JO62QM", "JO62??", ""}, // the cut joins a new square
-    };
-    for (const auto &c : cases) {
+    // Six characters first, wherever; any letter as subsquare; no field S;
+    // a cut may join a new square. Each: comment|locator1|locator2|rest.
+    // clang-format off
+    for (const char *c : {"JO62QM<ES>KP20|JO62QM|KP20??|<ES>", "KP20 JO62QM|JO62QM|KP20??|",
+                          "KP20 JO62 JO63|KP20??|JO62??|JO63", "JO62QMKP20LM|JO62QM|KP20LM|",
+                          "jo62qm es kp20lm tnx|JO62QM|KP20LM|ES  TNX", "TNX QSO 73|||TNX QSO 73",
+                          "JO62YZ KP20|JO62YZ|KP20??|", "SO62QM TNX|||SO62QM TNX",
+                          "JO62Q1|JO62??||Q1", "JO6JO62QM2|JO62QM|JO62??|"}) {
+        // clang-format on
+        const QStringList want = QString(c).split('|');
         SpotWork work;
-        work.spot.comment = c.comment;
+        work.spot.comment = want[0];
         Find_Locators(work);
-        EXPECT_EQ(work.spot.locator1, c.locator1) << c.comment;
-        EXPECT_EQ(work.spot.locator2, c.locator2) << c.comment;
-        EXPECT_EQ(work.commentUpper, c.rest) << c.comment;
+        EXPECT_EQ(QStringList({work.spot.comment, work.spot.locator1, work.spot.locator2,
+                               work.commentUpper}),
+                  want);
     }
 }
 
 TEST(FindMode, ClassifiesInTestOrderAndCutsTheMarker) {
-    const struct {
-        const char *locator1, *locator2, *comment, *mode, *rest;
-    } cases[] = {
-        {"", "", "", "??", ""},
-        {"", "", "ES", "ES", ""},
-        {"", "", "TNX ES", "ES", "TNX"},
-        {"", "", "JT65 MS", "MS", "JT65"},
-        {"", "", "<ESTNX", "ES", "TNX"},
-        {"", "", "(MS) 2 PINGS", "MS", " 2 PINGS"},
-        {"", "", "73 :ES: 73", "ES", "73  73"},
-        {"", "", "BIG MUF 144", "MUF", "BIG144"},
-        {"", "", "MUF", "??", "MUF"},
-        {"", "", "tnx es", "ES", "TNX"},    // upper-cased first
-        {"", "", "ESKIMO", "??", "ESKIMO"}, // "ES " needs its blank
-        // The end/begin group comes before all bracketed markers, and among
-        // those ES comes before EME.
-        {"", "", "<MS> ES", "ES", "<MS>"},
-        {"", "", "<EME> (ES)", "ES", "<EME> "},
-        {"", "", "(EME) <EME>", "EME", "(EME) "},
-        {"", "", "HIGH MUF2 NOW", "MUF", "HIGHNOW"},
-        {"", "", "EME SAT", "EME", "SAT"},
-        // One square: TR, and the comment is not looked at.
-        {"JO62QM", "JO62AA", "<ES>", "TR", "<ES>"},
-        {"JO62??", "JO62QM", "", "TR", ""},
-        {"JO62QM", "", "<ES>", "ES", ""},
-    };
-    for (const auto &c : cases) {
+    // Upper-cased first; "ES " needs its blank; the end/begin group before all
+    // bracketed markers, among those ES before EME. One square: TR, and the
+    // comment is not looked at. Each: locator1|locator2|comment|mode|rest.
+    // clang-format off
+    const char *const cases[] = {
+        "|||??|", "||ES|ES|", "||TNX ES|ES|TNX", "||JT65 MS|MS|JT65", "||<ESTNX|ES|TNX",
+        "||(MS) 2 PINGS|MS| 2 PINGS", "||73 :ES: 73|ES|73  73", "||BIG MUF 144|MUF|BIG144",
+        "||MUF|??|MUF", "||tnx es|ES|TNX", "||ESKIMO|??|ESKIMO", "||<MS> ES|ES|<MS>",
+        "||<EME> (ES)|ES|<EME> ", "||(EME) <EME>|EME|(EME) ", "||HIGH MUF2 NOW|MUF|HIGHNOW",
+        "||EME SAT|EME|SAT", "JO62QM|JO62AA|<ES>|TR|<ES>", "JO62??|JO62QM||TR|",
+        "JO62QM||<ES>|ES|"};
+    // clang-format on
+    for (const char *c : cases) {
+        const QStringList want = QString(c).split('|');
         SpotWork work;
-        work.spot.locator1 = c.locator1;
-        work.spot.locator2 = c.locator2;
-        work.commentUpper = c.comment;
+        work.spot.locator1 = want[0];
+        work.spot.locator2 = want[1];
+        work.commentUpper = want[2];
         Find_Mode(work);
-        EXPECT_EQ(work.spot.mode, c.mode) << c.comment;
-        EXPECT_EQ(work.commentUpper, c.rest) << c.comment;
+        EXPECT_EQ(work.spot.mode + "|" + work.commentUpper, want[3] + "|" + want[4]) << c;
     }
 }
 
-TEST(CheckLocator, AcceptsSquaresAndSubsquaresOnly) {
+TEST(Locators, SquaresFaultsAndTheFarSide) {
     for (const char *good : {"JO62QM", "JO62", "AA00AA", "RR99XX"}) {
         EXPECT_FALSE(Check_Locator(good)) << good;
     }
@@ -118,9 +92,6 @@ TEST(CheckLocator, AcceptsSquaresAndSubsquaresOnly) {
          {"JO62QZ", "JO62YA", "JO6", "JO62Q", "JO62QMA", "jo62qm", "SO62QM", "JOA2QM"}) {
         EXPECT_TRUE(Check_Locator(bad)) << bad;
     }
-}
-
-TEST(Locators, SquaresFaultsAndTheFarSide) {
     // Hamlib checks the subsquare centres; a square alone is taken at its
     // subsquare LL, which Locator_To_LatLon writes back to the caller.
     QString square = "KP20??";
@@ -136,8 +107,8 @@ TEST(Locators, SquaresFaultsAndTheFarSide) {
     expectFault([] { Locator_Position(u"J??"); }, RunTimeError::InvalidArgument, "J??");
     expectFault([] { Locator_Position(u"\u4E00O62QM"); }, RunTimeError::Overflow, "CJK");
     EXPECT_EQ(LatLon_To_Locator(53.5, 184.5), "SO23GM"); // east of 180: field S
-    const double nan = std::numeric_limits<double>::quiet_NaN();
-    expectFault([&] { LatLon_To_Locator(nan, 0); }, RunTimeError::Overflow, "NaN");
+    expectFault([] { LatLon_To_Locator(std::numeric_limits<double>::quiet_NaN(), 0); },
+                RunTimeError::Overflow, "NaN");
     expectFault([] { LatLon_To_Locator(0, 1e6); }, RunTimeError::Overflow, "beyond 16 bits");
     expectFault([] { LatLon_To_Locator(2000, 0); }, RunTimeError::InvalidArgument, "'A' + 209");
 }

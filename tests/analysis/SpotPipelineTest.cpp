@@ -9,49 +9,35 @@ using namespace zkr;
 
 namespace {
 
-struct Recorder {
-    explicit Recorder(SpotPipeline &pipeline) {
-        AnalysisSettings settings;
-        settings.ownLocator = "JO62QM";
-        pipeline.setSettings(settings);
-        QObject::connect(&pipeline, &SpotPipeline::spotEvaluated,
-                         [this](const EvaluatedSpot &spot) {
-                             spots.append(spot);
-                             events << "spot";
-                         });
-        QObject::connect(&pipeline, &SpotPipeline::pageStarted, [this] { events << "start"; });
-        QObject::connect(&pipeline, &SpotPipeline::pageFinished,
-                         [this](unsigned panes) { events << "end " + QString::number(panes, 2); });
-    }
+TEST(SpotPipeline, SkipsLinesWithoutPositiveFrequencyAndReportsThePanesAPageGaveEsResults) {
+    SpotPipeline pipeline;
+    pipeline.setSettings({.ownLocator = "JO62QM"});
     QList<EvaluatedSpot> spots;
     QStringList events;
-};
-
-TEST(SpotPipeline, ClusterLinesWithoutPositiveFrequencyAreNoSpots) {
-    SpotPipeline pipeline;
-    Recorder recorder(pipeline);
+    QObject::connect(&pipeline, &SpotPipeline::spotEvaluated, [&](const EvaluatedSpot &spot) {
+        spots.append(spot);
+        events << "spot";
+    });
+    QObject::connect(&pipeline, &SpotPipeline::pageStarted, [&] { events << "start"; });
+    QObject::connect(&pipeline, &SpotPipeline::pageFinished,
+                     [&](unsigned panes) { events << "end " + QString::number(panes, 2); });
     for (const char *kiloHertz : {"0.0", "-50110.0", "", "0.001", "50110.0"}) {
         pipeline.evaluateClusterLine(clusterLine(kiloHertz, "JO90JR<ES>KP20"));
     }
-    ASSERT_EQ(recorder.spots.size(), 2);
-    EXPECT_FLOAT_EQ(recorder.spots[0].frequency, 0.000001f);
-    EXPECT_EQ(recorder.spots[1].frequency, 50.11f);
-}
+    ASSERT_EQ(spots.size(), 2);
+    EXPECT_FLOAT_EQ(spots[0].frequency, 0.000001f);
+    EXPECT_EQ(spots[1].frequency, 50.11f);
 
-TEST(SpotPipeline, APageReportsThePanesThatGotEsResults) {
-    SpotPipeline pipeline;
-    Recorder recorder(pipeline);
-    AnalysisSettings settings = pipeline.settings();
-    settings.columns = ClusterColumns; // the page lines below are cluster-shaped
-    settings.evalAll = true;
-    pipeline.setSettings(settings);
+    spots.clear();
+    events.clear();
+    pipeline.setSettings({.ownLocator = "JO62QM", .evalAll = true}); // cluster-shaped page lines
     pipeline.evaluatePage({clusterLine("50110.0", "JO90JR<ES>KP20").mid(6),
                            clusterLine("144300.0", "JO90JR KP20").mid(6), // computed, no Es
                            ""});
-    EXPECT_EQ(recorder.events, QStringList({"start", "spot", "spot", "spot", "end 1011"}));
+    EXPECT_EQ(events, QStringList({"start", "spot", "spot", "spot", "end 1011"}));
     // A blank line still takes the cluster shape: "  " time " " tail1 " " tail2.
-    EXPECT_EQ(recorder.spots[2].runs, Runs({{"    ", K}, {"\r\n", K}}));
-    EXPECT_EQ(recorder.spots[1].panes, 0b0111u);
+    EXPECT_EQ(spots[2].runs, Runs({{"    ", K}, {"\r\n", K}}));
+    EXPECT_EQ(spots[1].panes, 0b0111u);
 }
 
 struct Panes {

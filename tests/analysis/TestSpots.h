@@ -22,11 +22,7 @@ using Runs = QList<zkr::TextRun>;
 // A cluster line as DX Spider sends it: frequency right-aligned to column
 // 24, DX call at 27, comment at 40, time at 71 (counted with "DX de ").
 inline QString clusterLine(const char *kiloHertz, const char *comment) {
-    return QStringLiteral("DX de %1%2  %3 %4 1712Z")
-        .arg(QStringLiteral("SP9HWY:"), -9)
-        .arg(QString::fromLatin1(kiloHertz), 9)
-        .arg(QStringLiteral("OH1XYZ"), -12)
-        .arg(QString::fromLatin1(comment), -30);
+    return QString("DX de SP9HWY:  %1  OH1XYZ       %2 1712Z").arg(kiloHertz, 9).arg(comment, -30);
 }
 
 template <typename Call>

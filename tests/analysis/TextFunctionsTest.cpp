@@ -6,54 +6,33 @@ using namespace zkr;
 namespace {
 
 TEST(LeadingNumber, ReadsTheNumberAFrequencyColumnBeginsWith) {
-    const struct {
-        const char *text;
-        double number;
-    } cases[] = {
-        {"50110.0", 50110.0},
-        {"  1296012.5", 1296012.5},
-        {"14 0\t74.5", 14074.5}, // blanks and tabs anywhere are skipped
-        {"1.2.3", 1.2},
-        {".5", 0.5},
-        {"5.", 5}, // one decimal point
-        {"144300DL1ABC", 144300},
-        {"1e3", 1}, // the first other character stops
-        {"", 0},
-        {"DL1ABC 144", 0},
-        {".", 0},
-        {"-", 0}, // no number
-        {"-12.5", -12.5},
-        {" +3", 3},
-        {"3-4", 3},
-        {"--3", 0}, // a sign only first
-    };
-    for (const auto &c : cases) {
-        EXPECT_DOUBLE_EQ(leadingNumber(QString::fromLatin1(c.text)), c.number) << c.text;
+    // Blanks and tabs anywhere are skipped, one decimal point, a sign only
+    // first; the first other character stops.
+    // clang-format off
+    for (const auto &[text, number] : std::initializer_list<std::pair<const char *, double>>{
+             {"50110.0", 50110.0}, {"  1296012.5", 1296012.5}, {"14 0\t74.5", 14074.5},
+             {"1.2.3", 1.2}, {".5", 0.5}, {"5.", 5}, {"144300DL1ABC", 144300}, {"1e3", 1},
+             {"", 0}, {"DL1ABC 144", 0}, {".", 0}, {"-", 0}, {"-12.5", -12.5}, {" +3", 3},
+             {"3-4", 3}, {"--3", 0}}) {
+        EXPECT_DOUBLE_EQ(leadingNumber(QString::fromLatin1(text)), number) << text;
     }
+    // clang-format on
     expectFault([] { leadingNumber(QString(400, '9')); }, RunTimeError::Overflow, "1e400");
     EXPECT_EQ(leadingNumber(QString("0.") + QString(400, '0') + "1"), 0); // too small is 0
 }
 
 TEST(TextFunctions, PositionsCountFromOneAndNeverFail) {
     const QString t = "ABCDEF";
-    const QStringList got{mid(t, 1, 3),
-                          mid(t, 4, 10),
-                          mid(t, 7, 1),
-                          mid(t, 0, 3),
-                          mid(t, 2, -1),
-                          mid(t, 3),
-                          mid(t, 7),
-                          left(t, 2),
-                          left(t, -1),
-                          right(t, 2),
-                          trimBlanks(u"  DL1 ABC  "),
-                          trimBlanks(u"\tDL1ABC "),
-                          trimBlanks(u"  ")};
-    EXPECT_EQ(got.join('|'), "ABC|DEF||||CDEF||AB||EF|DL1 ABC|\tDL1ABC|");
+    // clang-format off
+    const QStringList got{mid(t, 1, 3), mid(t, 4, 10), mid(t, 7, 1), mid(t, 0, 3), mid(t, 2, -1),
+                          mid(t, 3), mid(t, 7), left(t, 2), left(t, -1), right(t, 2),
+                          trimBlanks(u"  DL1 ABC  "), trimBlanks(u"\tDL1ABC "), trimBlanks(u"  ")};
     // Case-sensitive, from a start counted from 1, 0 for not found.
     EXPECT_EQ(QList<int>({inStr(u"DX de DX de", u"DX de"), inStr(u"DX de DX de", u"DX de", 2),
                           inStr(u"DX de", u"dx de"), inStr(u"DX", u"X", 0)}),
               QList<int>({1, 7, 0, 0}));
+    // clang-format on
+    EXPECT_EQ(got.join('|'), "ABC|DEF||||CDEF||AB||EF|DL1 ABC|\tDL1ABC|");
 }
 
 } // namespace

@@ -99,8 +99,6 @@ const QString WebHf =
     "G4ABC          14074.0 EA7KW        FT8 -12dB                            1711  ";
 const QString NoEs = "Sorry - no Es-spots found !";
 const QString Down = "The Webserver may be down !";
-// The unmarked spot computed as an Es path: flagged doubtful, not an Es spot.
-const QString UnmarkedComputed = Unmarked + "Es? MUF= 51MHz@JO55  FOT= 26MHz -> JO57 AZ=343 EL= 18";
 
 struct PaneCase {
     const char *name;
@@ -149,20 +147,6 @@ INSTANTIATE_TEST_SUITE_P(
                  QStringList{Es2m, Es6m} + Prompt,
                  QStringList{Es2m, Es6m} + Prompt,
                  QStringList{Es2m} + Prompt,
-                 QStringList{Es2m, Es6m} + Prompt},
-        PaneCase{"over144",
-                 {"--over144"},
-                 Session,
-                 QStringList{Es2m} + Prompt + QStringList{Ms2m},
-                 QStringList{Es2m} + Prompt + QStringList{Ms2m},
-                 QStringList{Es2m} + Prompt + QStringList{Ms2m},
-                 QStringList{Es2m} + Prompt},
-        PaneCase{"eval_all",
-                 {"--eval-all"},
-                 Session,
-                 QStringList{Es2m, Es6m, UnmarkedComputed} + Prompt + QStringList{Ms2m, Hf},
-                 QStringList{Es2m, Es6m, UnmarkedComputed} + Prompt + QStringList{Ms2m},
-                 QStringList{Es2m} + Prompt + QStringList{Ms2m},
                  QStringList{Es2m, Es6m} + Prompt},
         PaneCase{"web_page",
                  {"--web"},
@@ -272,12 +256,13 @@ TEST_F(CliTest, LiveClusterUntilTheTimeIsUpOrATermSignal) {
     for (const bool bySignal : {false, true}) {
         LocalClusterServer node;
         QProcess tool;
-        QStringList arguments{"--locator", "JO62QM", "--call", "DL1ABC", "--cluster",
-                              QString("127.0.0.1:%1").arg(node.port())};
+        QStringList arguments{"--locator", "JO62QM",    "--call",
+                              "DL1ABC",    "--cluster", QString("127.0.0.1:%1").arg(node.port())};
         arguments += bySignal ? QStringList{} : QStringList{"--seconds", "3", "--jsonl"};
         tool.start(QStringLiteral(ZKR_MUF_CLI), arguments);
         ASSERT_TRUE(zkr::test::waitFor([&] { return node.logins() == QStringList{"DL1ABC"}; }));
-        node.send("DX de SP9HWY:    50150.0  OH1XYZ       JO62QM<ES>KP20                 1712Z\r\n");
+        node.send(
+            "DX de SP9HWY:    50150.0  OH1XYZ       JO62QM<ES>KP20                 1712Z\r\n");
         if (bySignal) {
             QTest::qWait(300);
             tool.terminate();
@@ -289,7 +274,8 @@ TEST_F(CliTest, LiveClusterUntilTheTimeIsUpOrATermSignal) {
             EXPECT_TRUE(out.startsWith("== All ==\n")) << out.toStdString();
             EXPECT_TRUE(out.contains(Es6m)) << out.toStdString();
         } else {
-            EXPECT_TRUE(out.startsWith("{\"time\":\"1712\",\"spotter\":\"SP9HWY\"")) << out.toStdString();
+            EXPECT_TRUE(out.startsWith("{\"time\":\"1712\",\"spotter\":\"SP9HWY\""))
+                << out.toStdString();
             EXPECT_EQ(out.count('\n'), 1);
         }
     }

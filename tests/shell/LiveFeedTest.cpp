@@ -2,20 +2,10 @@
 // logged into it, and the spots it sends however the network cuts them.
 #include "CliOptions.h"
 #include "CliReplay.h"
-#include "LocalClusterServer.h"
-#include "PaneView.h"
-#include "ProgramState.h"
-#include "ScriptedPlatform.h"
-#include "SpotSources.h"
-#include "WaitFor.h"
-#include "frmZKR_MUF.h"
+#include "ShellFakes.h"
 
 #include <QBuffer>
-#include <QLabel>
-#include <QTemporaryDir>
 #include <QTest>
-
-#include <gtest/gtest.h>
 
 using namespace zkr;
 using test::waitFor;
@@ -48,40 +38,26 @@ QByteArray stream(int first, int count) {
     return out;
 }
 
-// The program in telnet mode against a node on this machine.
-struct Program {
-    LocalClusterServer node;
-    QTemporaryDir folder;
-    ProgramState state;
-    ScriptedPlatform platform;
-    frmZKR_MUF window{state, platform};
-    QByteArray heard; // every byte the node sent to the program
+// The program in telnet mode against a node on this machine, with every
+// byte the node sent it.
+struct Program : test::ProgramRig {
+    QByteArray heard;
 
     Program() {
-        EXPECT_TRUE(LocalClusterServer::writeSettings(folder.path(), node.port()));
-        platform.setApplicationFolder(folder.path());
         ClusterSession::Options fast;
         fast.firstRetryMs = 100;
         window.sources().session().setOptions(fast);
         QObject::connect(&window.sources().session(), &ClusterSession::textReceived,
                          [this](const QString &text) { heard += text.toLatin1(); });
-        window.Form_Load();
+        start();
         EXPECT_TRUE(waitFor([this] { return status().startsWith(" Connected to GB7TST"); }));
     }
-    QString status() const {
-        return window.findChild<QLabel *>(QStringLiteral("Label_Telnet_Status"))->text();
-    }
-    bool shows(const QString &text) const { return window.displayPane(0)->text().contains(text); }
-    // Sends `bytes` in pieces of the sizes given (repeating), waiting `gapMs`
-    // between pieces; 0 sizes means one write.
-    void send(const QByteArray &bytes, const std::vector<int> &sizes, int gapMs) {
-        qsizetype at = 0;
-        for (std::size_t i = 0; at < bytes.size(); ++i) {
-            const qsizetype size = sizes.empty() ? bytes.size() : sizes[i % sizes.size()];
-            node.send(bytes.mid(at, size));
-            at += size;
-            QTest::qWait(gapMs);
-        }
+    QString status() { return label("Label_Telnet_Status"); }
+    bool shows(const QString &text) const { return pane(0).contains(text); }
+    // Sends `bytes` in pieces of the sizes given (repeating), `gapMs` apart.
+    void send(const QByteArray &bytes, const QList<int> &sizes, int gapMs) {
+        node.sendInPieces(bytes, sizes, gapMs);
+        EXPECT_TRUE(waitFor([this] { return node.piecesSent(); }));
     }
 };
 
@@ -100,7 +76,7 @@ QStringList lines(const MemoryPane &pane) {
 
 struct Cut {
     const char *name;
-    std::vector<int> sizes;
+    QList<int> sizes;
     int gapMs;
 };
 

@@ -13,12 +13,11 @@ struct Recorder {
     QStringList events;
 
     Recorder() {
-        QObject::connect(&feed, &ClusterFeed::lineReceived,
-                         [this](const QString &l) { events << "L:" + l; });
-        QObject::connect(&feed, &ClusterFeed::spotLine,
-                         [this](const QString &l) { events << "S:" + l; });
-        QObject::connect(&feed, &ClusterFeed::promptBlock,
-                         [this](const QString &b) { events << "P:" + b; });
+        for (const auto &[signal, tag] : {std::pair{&ClusterFeed::lineReceived, "L:"},
+                                          {&ClusterFeed::spotLine, "S:"},
+                                          {&ClusterFeed::promptBlock, "P:"}}) {
+            QObject::connect(&feed, signal, [this, tag](const QString &t) { events << tag + t; });
+        }
         QObject::connect(&feed, &ClusterFeed::loginRequested, [this] { events << "login"; });
         QObject::connect(&feed, &ClusterFeed::telnetReply, [this](const QByteArray &r) {
             events << "R:" + QString::fromLatin1(r.toHex());
@@ -39,148 +38,117 @@ QStringList feedCut(const QByteArray &bytes, const QList<int> &sizes) {
     return r.events;
 }
 
-// Bytes of a literal, NULs included.
-template <std::size_t N> QByteArray raw(const char (&text)[N]) {
-    return QByteArray(text, N - 1);
-}
-
 const QByteArray Spot1 = "DX de SP9HWY:     50110.0  OH1XYZ       JO90JR<ES>KP20            1712Z";
 const QByteArray Spot2 = "DX de G0ABC:    144300.0  SM5ABC       JO89<ES>KP20 login: x     0011Z";
 const QByteArray Prompt = "DL1ABC de GB7TST 23-Nov-2026 0011Z dxspider >";
 
-QStringList spot(const QByteArray &line) {
-    return {"L:" + QString::fromLatin1(line), "S:" + QString::fromLatin1(line)};
-}
-
-QStringList lines(const QList<QByteArray> &texts) {
+QStringList lines(const QList<QByteArray> &texts, bool spots = false) {
     QStringList out;
     for (const QByteArray &t : texts) {
         out << "L:" + QString::fromLatin1(t);
+        if (spots) {
+            out << "S:" + QString::fromLatin1(t);
+        }
     }
     return out;
 }
 
 // The prompt line's event and its block around the lines kept before it.
-QStringList prompt(const QList<QByteArray> &kept, const QByteArray &line = Prompt) {
+QStringList prompt(const QList<QByteArray> &kept) {
     QString block = "\r\n\r\n\r\n";
-    for (const QByteArray &k : kept) {
+    for (const QByteArray &k : kept + QList<QByteArray>{Prompt}) {
         block += QString::fromLatin1(k) + "\r\n";
     }
-    block += QString::fromLatin1(line) + "\r\n\r\n\r\n\r\n";
-    return {"L:" + QString::fromLatin1(line), "P:" + block};
+    return lines({Prompt}) << "P:" + block + "\r\n\r\n\r\n";
 }
 
-struct Stream {
-    const char *name;
-    QByteArray bytes;
-    QStringList expected;
-};
-
-QList<Stream> streams() {
-    const QByteArray longLine(70000, 'x');
+TEST(ClusterFeed, GivesTheSameSignalsHoweverTheStreamIsCut) {
     QByteArray manyLines;
     QList<QByteArray> allKept;
     for (int i = 0; i < ClusterFeed::MaxBlockLines + 5; ++i) {
         allKept << "line " + QByteArray::number(i);
         manyLines += allKept.last() + "\n";
     }
+    const QByteArray longLine(70000, 'x');
     // DX Spider's welcome: a line ending in ">" that is no prompt.
     const QByteArray name = "Please enter your name, set/name <your name>";
-    const QByteArray ann1 = "To ALL de G0ABC: first";
-    const QByteArray ann2 = "To ALL de G0ABC: second";
+    const QByteArray ann = "To ALL de G0ABC: hello";
     const QByteArray noFrequency = "DX de SP9HWY:      abc.0  OH1XYZ       JO90JR";
-    const QByteArray zeroFrequency = "DX de SP9HWY:        0.0  OH1XYZ       JO90JR";
-    return {
-        {"spots", Spot1 + "\r\n" + Spot2 + "\x07\x07\r\n", spot(Spot1) + spot(Spot2)},
-        {"welcome and prompt", "Hello DL1ABC\r\n" + name + "\r\n\r\n" + Prompt + "\r\n",
-         lines({"Hello DL1ABC", name, ""}) + prompt({"Hello DL1ABC", name, ""})},
+    const struct {
+        const char *name;
+        QByteArray bytes;
+        QStringList expected;
+    } streams[] = {
+        {"welcome, a line above 64 KB and prompt",
+         longLine + "\r\n" + name + "\r\n\r\n" + Prompt + "\r\n",
+         lines({longLine, name, ""}) + prompt({longLine, name, ""})},
         {"a spot drops the lines kept before it",
-         Spot1 + "\r\n" + ann1 + "\r\n" + Spot2 + "\r\n" + ann2 + "\r\n" + Prompt + "\r\n",
-         spot(Spot1) + lines({ann1}) + spot(Spot2) + lines({ann2}) + prompt({ann2})},
+         Spot1 + "\r\n" + ann + "\r\n" + Spot2 + "\r\n" + ann + "\n" + Prompt + "\r\n",
+         lines({Spot1}, true) + lines({ann}) + lines({Spot2}, true) + lines({ann}) + prompt({ann})},
         {"line ends CR LF, LF, CR and their mixes", "a\rb\nc\r\n\r\nd\n\re\r\r\nf",
          lines({"a", "b", "c", "", "d", "", "e", "", "f"})},
         {"bell pairs",
          "a\x07\x07z\r\n\x07\x07\x07\r\n\x07\x07\x07\x07\r\n" + Spot1 + "\x07\x07\r\n",
-         lines({"az", "\x07", ""}) + spot(Spot1)},
+         lines({"az", "\x07", ""}) + lines({Spot1}, true)},
         {"telnet negotiation",
-         raw("\xff\xfb\x01"
+         QByteArrayLiteral(
+             "\xff\xfb\x01"
              "a\xff\xff"
-             "b\xff\xfd\x18\xff\xfc\x01\xff\xfe\x03\r\xff\xf1\n"
-             "\xff\xfa\x18\x01\xff\xff"
+             "b\xff\xfd\x18\xff\xfc\x01\xff\xfe\x03\r\xff\xf1\n\xff\xfa\x18\x01\xff\xff"
              "XY\xff\xf0"
-             "c\x00"
-             "d\r\n"),
+             "c\0d\r\n"),
          QStringList{"R:fffe01", "R:fffc18", QString("L:a") + QChar(0xff) + "b", "L:cd"}},
-        {"login prompt at the end", "Welcome\r\n\r\nlogin: ",
-         lines({"Welcome", ""}) << "login"
-                                << "L:login: "},
-        {"call prompt, any case",
-         "Please enter your CallSign:  ", QStringList{"login", "L:Please enter your CallSign:  "}},
-        {"login: in a spot comment", Spot2 + "\r\n" + Spot2, spot(Spot2) + spot(Spot2)},
-        {"a prompt amid spots", Spot1 + "\r\n" + Prompt + "\r\n" + Spot2 + "\r\n",
-         spot(Spot1) + prompt({}) + spot(Spot2)},
-        {"a line above 64 KB", longLine + "\r\n" + Prompt + "\r\n",
-         lines({longLine}) + prompt({longLine})},
+        {"login prompt at the end",
+         "Welcome\r\n\r\nlogin: ", lines({"Welcome", ""}) + QStringList{"login", "L:login: "}},
+        {"login: in a spot comment, a prompt amid spots", Spot2 + "\r\n" + Prompt + "\r\n" + Spot1,
+         lines({Spot2}, true) + prompt({}) + lines({Spot1}, true)},
         {"a DX line without frequency still drops the kept lines",
-         "kept\r\n" + noFrequency + "\r\n" + zeroFrequency + "\r\n" + Prompt + "\n",
-         lines({"kept"}) + spot(noFrequency) + spot(zeroFrequency) + prompt({})},
+         "kept\r\n" + noFrequency + "\r\n" + Prompt + "\n",
+         lines({"kept"}) + lines({noFrequency}, true) + prompt({})},
         {"the prompt block keeps the newest lines", manyLines + Prompt + "\r\n",
          lines(allKept) + prompt(allKept.mid(5))},
     };
-}
-
-TEST(ClusterFeed, GivesTheSameSignalsHoweverTheStreamIsCut) {
-    const QList<QList<int>> cuts = {{}, {1}, {1448}, {1, 7, 13, 1000}};
-    for (const Stream &s : streams()) {
-        for (const QList<int> &cut : cuts) {
+    for (const auto &s : streams) {
+        for (const QList<int> &cut : QList<QList<int>>{{}, {1}, {1448}, {1, 7, 13, 1000}}) {
             EXPECT_EQ(feedCut(s.bytes, cut), s.expected)
-                << s.name << ", pieces of " << (cut.isEmpty() ? 0 : cut.first());
+                << s.name << ", pieces of " << cut.value(0);
         }
     }
 }
 
 TEST(ClusterFeed, AnswersTheLoginOnlyOnceBeforeLoginAndOnlyUnterminated) {
-    struct Case {
-        const char *name;
+    const struct {
         QList<QByteArray> reads;
         int logins;
         bool loggedIn;
     } cases[] = {
-        {"terminated", {"Please login: \r\n", "call:x"}, 0, false},
-        {"after the prompt", {Prompt + "\r\n", "login: "}, 0, true},
-        {"after a spot", {Spot1 + "\r\n", "call: "}, 0, true},
-        {"cut spot", {Spot1 + " login:"}, 0, false},
-        {"once", {"login: ", "login: "}, 1, true},
-        {"cut before the colon", {"login", ": "}, 1, true},
+        {{"Please login: \r\n", "call:x"}, 0, false}, // terminated
+        {{Prompt + "\r\n", "login: "}, 0, true},
+        {{Spot1 + "\r\n", "call: "}, 0, true},
+        {{Spot1 + " login:"}, 0, false}, // a cut spot
+        {{"login: ", "login: "}, 1, true},
+        {{"Please enter your CallSign:  "}, 1, true}, // any case
     };
-    for (const Case &c : cases) {
+    for (const auto &c : cases) {
         Recorder r;
         for (const QByteArray &read : c.reads) {
             r.feed.receive(read);
         }
-        EXPECT_EQ(r.events.count("login"), c.logins) << c.name;
-        EXPECT_EQ(r.feed.loggedIn(), c.loggedIn) << c.name;
+        EXPECT_EQ(r.events.count("login"), c.logins) << c.reads.join('|').constData();
+        EXPECT_EQ(r.feed.loggedIn(), c.loggedIn) << c.reads.join('|').constData();
     }
 }
 
 TEST(ClusterFeed, ResetForgetsTheCutLineTheKeptLinesTheLoginAndTheTelnetState) {
     Recorder r;
-    r.feed.receive("kept\r\nlogin: ");
-    r.feed.receive("half a line\xff\xfb");
+    r.feed.receive("kept\r\nlogin: half a line\xff\xfb");
     r.feed.reset();
-    EXPECT_FALSE(r.feed.loggedIn());
     r.events.clear();
-    r.feed.receive("\x01"
-                   "a\r\n" +
-                   Prompt + "\r\nx");
-    r.feed.reset();
-    r.feed.receive("\nlogin: ");
-    const QStringList expected = QStringList{"L:\x01"
-                                             "a"} +
-                                 prompt({"\x01"
-                                         "a"}) +
-                                 QStringList{"L:", "login"};
-    EXPECT_EQ(r.events, expected);
+    const QByteArray line = QByteArray(1, '\x01') + "a";
+    r.feed.receive(line + "\nlogin: ");
+    r.feed.receive("\r\n" + Prompt + "\r\n");
+    EXPECT_EQ(r.events, lines({line}) + QStringList{"login"} + lines({"login: "}) +
+                            prompt({line, "login: "}));
 }
 
 } // namespace

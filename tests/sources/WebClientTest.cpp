@@ -1,6 +1,7 @@
 #include "WebClient.h"
 #include "LocalHttpServer.h"
 #include "QtPrinters.h"
+#include "SpotPage.h"
 #include "WaitFor.h"
 
 #include <QNetworkReply>
@@ -14,19 +15,17 @@ using test::waitFor;
 namespace {
 
 LocalHttpServer::Response page(int status, const QByteArray &body,
-                               const QByteArray &type = "text/html; charset=iso-8859-1") {
-    LocalHttpServer::Response response;
-    response.status = status;
-    response.body = body;
-    response.contentType = type;
-    return response;
+                               const QByteArray &charset = "iso-8859-1", int trickleMs = 0) {
+    LocalHttpServer::Response r;
+    std::tie(r.status, r.body, r.contentType, r.trickleMs) =
+        std::tuple(status, body, "text/html; charset=" + charset, trickleMs);
+    return r;
 }
 
 // A client with everything it reports.
 struct Watched {
     WebClient web;
-    QStringList captions;
-    QStringList bodies;
+    QStringList captions, bodies;
     QList<int> failures;
 
     explicit Watched(WebClient::Options options) : web(options, nullptr) {
@@ -34,25 +33,21 @@ struct Watched {
         QObject::connect(&web, &WebClient::fetched, [this](const QString &b) { bodies << b; });
         QObject::connect(&web, &WebClient::failed, [this](int e) { failures << e; });
     }
-    bool done() {
-        return waitFor([this] { return !web.isBusy(); });
-    }
 };
 
 TEST(WebClient, FetchesAnyAnswerDecodedOneFetchAtATime) {
     LocalHttpServer server;
-    LocalHttpServer::Response slow = page(200, "<html>1234567890 trickled</html>");
-    slow.trickleMs = 40; // 1.3 s in all, beyond both timeouts, never a long pause
     const struct {
         const char *path;
         LocalHttpServer::Response response;
         QString body;
     } cases[] = {
-        {"/latin1", page(200, "55\xB0N"), QString("55") + QChar(176) + "N"},
-        {"/utf8", page(200, "55\xC2\xB0N", "text/html; charset=UTF-8"),
-         QString("55") + QChar(176) + "N"},
+        {"/latin1", page(200, "55\xB0N"), "55\u00B0N"},
+        {"/utf8", page(200, "55\xC2\xB0N", "UTF-8"), "55\u00B0N"},
         {"/error", page(500, "<h1>Server Error</h1>"), "<h1>Server Error</h1>"},
-        {"/slow", slow, "<html>1234567890 trickled</html>"},
+        // 1.3 s in all, beyond both timeouts, never a long pause.
+        {"/slow", page(200, "<html>1234567890 trickled</html>", "iso-8859-1", 40),
+         "<html>1234567890 trickled</html>"},
     };
     Watched w({2, 5000, 500, 300, 10});
     for (const auto &c : cases) {
@@ -61,14 +56,13 @@ TEST(WebClient, FetchesAnyAnswerDecodedOneFetchAtATime) {
         w.bodies.clear();
         ASSERT_TRUE(w.web.fetch(server.url(c.path)));
         EXPECT_FALSE(w.web.fetch(server.url(c.path))) << "a second fetch while busy";
-        ASSERT_TRUE(w.done());
+        ASSERT_TRUE(waitFor([&] { return !w.web.isBusy(); }));
         EXPECT_EQ(w.bodies, QStringList{c.body}) << c.path;
         EXPECT_EQ(w.captions, QStringList({"trying to connect", "connected", "requesting"}));
         EXPECT_TRUE(w.web.lastUrlOpened());
         EXPECT_EQ(server.requestCount(c.path), 1) << c.path;
     }
     EXPECT_EQ(server.lastUserAgent(), "VB");
-    EXPECT_TRUE(w.failures.isEmpty());
     // The blocking form for the interactive update check.
     EXPECT_EQ(w.web.Open_Url(server.url("/error")), "<h1>Server Error</h1>");
 }
@@ -82,24 +76,36 @@ TEST(WebClient, FailsAfterItsAttemptsWhenNoServerAnswers) {
     probe.listen(QHostAddress::LocalHost, 0);
     const QString refused = QString("http://127.0.0.1:%1/x").arg(probe.serverPort());
     probe.close();
-    const struct {
-        QString url;
-        int error;
-    } cases[] = {
-        {server.url("/silent"), QNetworkReply::TimeoutError},
-        {refused, QNetworkReply::ConnectionRefusedError},
-    };
-    for (const auto &c : cases) {
+    for (const auto &[url, error] : {std::pair{server.url("/silent"), QNetworkReply::TimeoutError},
+                                     {refused, QNetworkReply::ConnectionRefusedError}}) {
         Watched w({3, 10000, 200, 200, 10});
-        ASSERT_TRUE(w.web.fetch(c.url));
-        ASSERT_TRUE(w.done());
-        EXPECT_EQ(w.failures, QList<int>{c.error}) << c.url.toStdString();
-        EXPECT_EQ(w.captions.count("trying to connect"), 3) << c.url.toStdString();
+        ASSERT_TRUE(w.web.fetch(url));
+        ASSERT_TRUE(waitFor([&] { return !w.web.isBusy(); }));
+        EXPECT_EQ(w.failures, QList<int>{error}) << url.toStdString();
+        EXPECT_EQ(w.captions.count("trying to connect"), 3) << url.toStdString();
         EXPECT_TRUE(w.bodies.isEmpty());
         EXPECT_FALSE(w.web.lastUrlOpened());
     }
     EXPECT_EQ(server.requestCount("/silent"), 3);
     EXPECT_EQ(WebClient({1, 1000, 200, 200, 0}, nullptr).Open_Url(refused), "");
+}
+
+TEST(SpotPage, StripsTagsSplitsAfterTheRedirectScriptAndKnowsErrorPages) {
+    // A stray ">" is text; an unmatched "<" stops the stripping.
+    QStringList stripped;
+    for (const char *in : {"<tr><td>DL1ABC</td></tr>", "x>y", "a<b", "a>b<c", "a>b<c>d"}) {
+        stripped << Strip_Tags(in);
+    }
+    EXPECT_EQ(stripped.join('|'), "DL1ABC|x>y|a<b|a>b<c|a>bd");
+    const QString script = QString(79, 'S');
+    EXPECT_EQ(Split_SpotPage(script + "line 1\nline 2\r\n"),
+              QStringList({"line 1", "line 2\r", ""}));
+    EXPECT_TRUE(Split_SpotPage(script).isEmpty());
+    for (const char *page :
+         {"<h1>Server Error</h1>", "<b>Network Error</b>", "<p>Runtime Error</p>"}) {
+        EXPECT_TRUE(Is_ErrorPage(page)) << page;
+    }
+    EXPECT_FALSE(Is_ErrorPage("Server Error") || Is_ErrorPage("<h1>server error</h1>"));
 }
 
 } // namespace

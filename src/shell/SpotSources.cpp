@@ -117,14 +117,6 @@ void SpotSources::closeSession() {
     session_.stop();
 }
 
-void SpotSources::retryNow() {
-    if (session_.state() == ClusterSession::State::Idle) {
-        Telnet_Connect();
-    } else {
-        session_.retryNow();
-    }
-}
-
 void SpotSources::onSessionStatus(ClusterSession::State state, const QString &text) {
     using State = ClusterSession::State;
     const bool up = state == State::Connected || state == State::LoggedIn;

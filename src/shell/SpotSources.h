@@ -50,9 +50,6 @@ public:
     void Telnet_Connect();
     // Closes the session for good (until the next Telnet_Connect).
     void closeSession();
-    // The status label was clicked: a waiting session retries at once, a
-    // closed one connects again.
-    void retryNow();
     void Replay_SpotFile() override;
     // Starts fetching the web spot page; it is evaluated when it arrives.
     void Evaluate_SpotPage() override;

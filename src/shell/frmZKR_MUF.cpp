@@ -542,9 +542,15 @@ void frmZKR_MUF::filterClicked(bool &changedFlag) {
 void frmZKR_MUF::Label_Telnet_Status_Click() {
     if (state_.RunMode != WebMode) {
         state_.RunMode = TelnetMode;
-        // A session waiting for its next try connects at once.
-        if (!state_.Telnet_Connected) {
-            sources_->retryNow();
+        if (state_.Telnet_Connected) {
+            return;
+        }
+        // A session waiting for its next try connects at once; a closed one
+        // needs the setup looked at, as the status says.
+        if (sources_->session().state() == ClusterSession::State::Idle) {
+            Setup_Click();
+        } else {
+            sources_->session().retryNow();
         }
     } else {
         Timer1_->start();

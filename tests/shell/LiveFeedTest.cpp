@@ -135,6 +135,15 @@ TEST(LiveFeed, AfterADropReconnectsLogsInAgainAndLosesNothingSentAfterwards) {
               (QStringList{QStringLiteral("DL1ABC"), QStringLiteral("DL1ABC")}));
     // One drop is no reason for a box: the status line tells it.
     EXPECT_TRUE(program.platform.messages().isEmpty());
+
+    // With a long wait ahead, a click on the status connects at once.
+    ClusterSession::Options slow;
+    slow.firstRetryMs = 60000;
+    program.window.sources().session().setOptions(slow);
+    program.node.closeClients();
+    ASSERT_TRUE(waitFor([&] { return program.status().contains(QLatin1String(" in 6")); }));
+    program.window.Label_Telnet_Status_Click();
+    EXPECT_TRUE(waitFor([&] { return program.node.logins().size() == 3; }, 3000));
 }
 
 } // namespace

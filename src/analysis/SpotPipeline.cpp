@@ -12,8 +12,7 @@ void SpotPipeline::setSettings(AnalysisSettings settings) {
 
 void SpotPipeline::evaluateClusterLine(const QString &line) {
     const EvaluatedSpot spot = evaluator_.evaluateClusterLine(line);
-    // A "DX de " line without a positive frequency is a notice, no spot.
-    if (spot.frequency > 0) {
+    if (isClusterSpot(spot)) {
         Q_EMIT spotEvaluated(spot);
     }
 }

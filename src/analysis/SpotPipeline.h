@@ -18,7 +18,12 @@ public:
     const AnalysisSettings &settings() const { return evaluator_.settings(); }
     void setSettings(AnalysisSettings settings);
 
-    // Evaluates a cluster or file line and emits spotEvaluated.
+    // Whether an evaluated cluster line is a spot: a "DX de " line without a
+    // positive frequency is a notice.
+    static bool isClusterSpot(const EvaluatedSpot &spot) { return spot.frequency > 0; }
+
+    // Evaluates a cluster or file line and emits spotEvaluated when it is a
+    // spot.
     void evaluateClusterLine(const QString &line);
     // Evaluates the lines of one web spot page: pageStarted, a spotEvaluated
     // for every line, then pageFinished with the panes that got Es results.

@@ -208,7 +208,7 @@ void SpotSources::reevaluateRecent() {
     }
     for (const QString &line : recentLines_) {
         const EvaluatedSpot spot = evaluator.evaluateClusterLine(line);
-        if (spot.frequency > 0) {
+        if (SpotPipeline::isClusterSpot(spot)) {
             writer_.writeSpot(spot);
         }
     }

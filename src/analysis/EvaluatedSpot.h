@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QDateTime>
 #include <QList>
 #include <QMetaType>
 #include <QString>
@@ -56,6 +57,12 @@ struct EvaluatedSpot {
     unsigned panes = 0;           // bit i: pane i (All, VHF, 2m, Es) took the runs
     bool esResultPrinted = false; // Es results went into the panes
     QString error;                // why evaluation stopped early, "" when it did not
+    QDateTime received;           // UTC, when the line or page came in
+
+    // When the spot was made: the line's hhmmZ on the day it was received
+    // (the day before when that would lie more than an hour ahead), or the
+    // time received when the line gives no time.
+    QDateTime spotTimeUtc() const;
 
     friend bool operator==(const EvaluatedSpot &, const EvaluatedSpot &) = default;
 };

@@ -96,4 +96,23 @@ EvaluatedSpot SpotEvaluator::evaluateWebLine(QStringView pageLine) const {
     return std::move(work.spot);
 }
 
+QDateTime EvaluatedSpot::spotTimeUtc() const {
+    const QString digits = time.trimmed();
+    bool hoursOk = false;
+    bool minutesOk = false;
+    const int hours = digits.left(2).toInt(&hoursOk);
+    const int minutes = digits.mid(2, 2).toInt(&minutesOk);
+    if (!received.isValid() || digits.size() < 4 || !hoursOk || !minutesOk || hours > 23 ||
+        minutes > 59) {
+        return received;
+    }
+    const QDateTime base = received.toUTC();
+    QDateTime made(base.date(), QTime(hours, minutes), Qt::UTC);
+    // A spot from 2359Z that arrives at 0001Z was made yesterday.
+    if (made > base.addSecs(3600)) {
+        made = made.addDays(-1);
+    }
+    return made;
+}
+
 } // namespace zkr

@@ -4,15 +4,19 @@
 
 namespace zkr {
 
-SpotPipeline::SpotPipeline(QObject *parent) : QObject(parent) {}
+SpotPipeline::SpotPipeline(QObject *parent)
+    : QObject(parent), clock_([] { return QDateTime::currentDateTimeUtc(); }) {}
+
+void SpotPipeline::setClock(std::function<QDateTime()> clock) { clock_ = std::move(clock); }
 
 void SpotPipeline::setSettings(AnalysisSettings settings) {
     evaluator_.setSettings(std::move(settings));
 }
 
 void SpotPipeline::evaluateClusterLine(const QString &line) {
-    const EvaluatedSpot spot = evaluator_.evaluateClusterLine(line);
+    EvaluatedSpot spot = evaluator_.evaluateClusterLine(line);
     if (isClusterSpot(spot)) {
+        spot.received = clock_();
         Q_EMIT spotEvaluated(spot);
     }
 }
@@ -20,8 +24,10 @@ void SpotPipeline::evaluateClusterLine(const QString &line) {
 void SpotPipeline::evaluatePage(const QStringList &pageLines) {
     Q_EMIT pageStarted();
     unsigned panesWithEs = 0;
+    const QDateTime received = clock_(); // one page, one arrival
     for (const QString &line : pageLines) {
-        const EvaluatedSpot spot = evaluator_.evaluateWebLine(line);
+        EvaluatedSpot spot = evaluator_.evaluateWebLine(line);
+        spot.received = received;
         if (spot.esResultPrinted) {
             panesWithEs |= spot.panes;
         }

@@ -4,7 +4,10 @@
 #include "SpotEvaluator.h"
 
 #include <QObject>
+#include <QDateTime>
 #include <QStringList>
+
+#include <functional>
 
 namespace zkr {
 
@@ -17,6 +20,9 @@ public:
 
     const AnalysisSettings &settings() const { return evaluator_.settings(); }
     void setSettings(AnalysisSettings settings);
+    // Where the received time of each spot comes from (UTC); the system
+    // clock unless a test or a replay sets another.
+    void setClock(std::function<QDateTime()> clock);
 
     // Whether an evaluated cluster line is a spot: a "DX de " line without a
     // positive frequency is a notice.
@@ -36,6 +42,7 @@ Q_SIGNALS:
 
 private:
     SpotEvaluator evaluator_;
+    std::function<QDateTime()> clock_;
 };
 
 } // namespace zkr

@@ -40,6 +40,35 @@ TEST(SpotPipeline, SkipsLinesWithoutPositiveFrequencyAndReportsThePanesAPageGave
     EXPECT_EQ(spots[1].panes, 0b0111u);
 }
 
+TEST(SpotPipeline, StampsTheArrivalAndDatesTheSpotsOwnTime) {
+    SpotPipeline pipeline;
+    pipeline.setSettings({.ownLocator = "JO62QM"});
+    QDateTime now(QDate(2026, 6, 1), QTime(0, 20), Qt::UTC);
+    pipeline.setClock([&] { return now; });
+    QList<EvaluatedSpot> spots;
+    QObject::connect(&pipeline, &SpotPipeline::spotEvaluated,
+                     [&](const EvaluatedSpot &spot) { spots.append(spot); });
+    pipeline.evaluateClusterLine(clusterLine("50110.0", "JO90JR<ES>KP20"));
+    ASSERT_EQ(spots.size(), 1);
+    EXPECT_EQ(spots[0].received, now);
+
+    struct Case {
+        const char *time;
+        QDateTime made;
+    } cases[] = {
+        {"0015Z", QDateTime(QDate(2026, 6, 1), QTime(0, 15), Qt::UTC)},
+        {"2359Z", QDateTime(QDate(2026, 5, 31), QTime(23, 59), Qt::UTC)}, // made yesterday
+        {"0120Z", QDateTime(QDate(2026, 6, 1), QTime(1, 20), Qt::UTC)},  // clock an hour off
+        {"0121Z", QDateTime(QDate(2026, 5, 31), QTime(1, 21), Qt::UTC)},
+        {"2460Z", now}, // no time of day: the arrival
+        {"", now},
+    };
+    for (const Case &c : cases) {
+        spots[0].time = c.time;
+        EXPECT_EQ(spots[0].spotTimeUtc(), c.made) << c.time;
+    }
+}
+
 struct Panes {
     std::array<MemoryPane, 4> pane;
     PaneWriter writer{ResultPanes{&pane[0], &pane[1], &pane[2], &pane[3]}};

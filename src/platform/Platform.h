@@ -44,6 +44,13 @@ struct FileDialogRequest {
     int filterIndex = 1; // 1-based
     QString initialFolder;
     bool mustExist = false;
+    bool save = false; // asks where to write a new file, not for one to read
+};
+
+// Per-user folders of the desktop's conventions.
+enum class UserFolder {
+    Config, // settings (~/.config/zkr_muf)
+    Data,   // records, history, the user's own cluster list (~/.local/share/zkr_muf)
 };
 
 // Everything the program asks of the desktop. All windows and dialogs go
@@ -65,6 +72,9 @@ public:
     // One arming places exactly one box.
     virtual void armBoxPlacement(std::optional<QPoint> topLeft) = 0;
     virtual void beep(int frequencyHz, int durationMs) = 0;
+    // Shows a desktop notification without waiting; false when the desktop
+    // has no notification service (the caller then says it elsewhere).
+    virtual bool notify(const QString &title, const QString &text) = 0;
     // Returns the chosen file, or "" when the user cancelled.
     virtual QString openFileDialog(const FileDialogRequest &request) = 0;
     // Opens a web page or mailto: target with the desktop's handler.
@@ -76,6 +86,8 @@ public:
     // The value of an environment variable, "" when missing.
     virtual QString environmentValue(const QString &name) = 0;
     virtual QString applicationFolder() = 0;
+    // Where this user's files of that kind belong; the folder may not exist yet.
+    virtual QString userFolder(UserFolder kind) = 0;
     // The whole argument text after the program's own name.
     virtual QString commandLine() = 0;
     virtual QSize screenSize() = 0;

@@ -13,6 +13,8 @@
 #include <QPointer>
 #include <QPushButton>
 #include <QScreen>
+#include <QStandardPaths>
+#include <QSystemTrayIcon>
 #include <QUrl>
 
 #include <cstdio>
@@ -204,8 +206,24 @@ std::optional<QString> QtPlatform::inputBox(const QString &prompt, const QString
     return box.textValue();
 }
 
+QtPlatform::QtPlatform() = default;
+QtPlatform::~QtPlatform() = default;
+
 void QtPlatform::beep(int, int) {
     QApplication::beep();
+}
+
+bool QtPlatform::notify(const QString &title, const QString &text) {
+    if (!QSystemTrayIcon::isSystemTrayAvailable() || !QSystemTrayIcon::supportsMessages()) {
+        return false;
+    }
+    if (!tray_) {
+        tray_ = std::make_unique<QSystemTrayIcon>(QApplication::windowIcon());
+        tray_->setToolTip(QApplication::applicationDisplayName());
+        tray_->show();
+    }
+    tray_->showMessage(title, text, QSystemTrayIcon::Information, 15000);
+    return true;
 }
 
 QString QtPlatform::toQtFilter(const QString &filter, int filterIndex, QString *selected) {
@@ -235,7 +253,7 @@ QString QtPlatform::openFileDialog(const FileDialogRequest &request) {
         dialog.selectNameFilter(selected);
     }
     dialog.setFileMode(request.mustExist ? QFileDialog::ExistingFile : QFileDialog::AnyFile);
-    dialog.setAcceptMode(QFileDialog::AcceptOpen);
+    dialog.setAcceptMode(request.save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
     if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) {
         return QString();
     }
@@ -264,6 +282,12 @@ QString QtPlatform::environmentValue(const QString &name) {
 
 QString QtPlatform::applicationFolder() {
     return QCoreApplication::applicationDirPath();
+}
+
+QString QtPlatform::userFolder(UserFolder kind) {
+    return QStandardPaths::writableLocation(kind == UserFolder::Config
+                                                ? QStandardPaths::AppConfigLocation
+                                                : QStandardPaths::AppDataLocation);
 }
 
 QString QtPlatform::commandLine() {

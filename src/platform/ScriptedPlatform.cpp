@@ -65,6 +65,14 @@ void ScriptedPlatform::beep(int frequencyHz, int durationMs) {
     log_.append(QStringLiteral("beep %1 %2").arg(frequencyHz).arg(durationMs));
 }
 
+bool ScriptedPlatform::notify(const QString &title, const QString &text) {
+    log_.append(QStringLiteral("notify %1 %2 -> %3")
+                    .arg(quoted(title), quoted(text),
+                         notificationsAvailable_ ? QStringLiteral("shown")
+                                                 : QStringLiteral("unavailable")));
+    return notificationsAvailable_;
+}
+
 QString ScriptedPlatform::openFileDialog(const FileDialogRequest &request) {
     lastFileDialog_ = request;
     QString answer;

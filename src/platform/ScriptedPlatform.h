@@ -27,12 +27,17 @@ public:
         environment_[name] = value;
     }
     void setApplicationFolder(const QString &folder) { applicationFolder_ = folder; }
+    void setUserFolder(UserFolder kind, const QString &folder) {
+        userFolders_[static_cast<int>(kind)] = folder;
+    }
+    void setNotificationsAvailable(bool available) { notificationsAvailable_ = available; }
     void setCommandLine(const QString &text) { commandLine_ = text; }
     void setScreenSize(QSize size) { screenSize_ = size; }
 
     // One line per event, for example
     //   beep 800 200 | arm centre | msgbox 0 "title" "text" -> 1
     //   inputbox "title" "prompt" "default" -> "answer" / -> cancel
+    //   notify "title" "text" -> shown / -> unavailable
     const QStringList &log() const { return log_; }
     void clearLog() { log_.clear(); }
     // Texts of the message boxes shown so far, in order.
@@ -47,6 +52,7 @@ public:
                                     const QString &defaultText) override;
     void armBoxPlacement(std::optional<QPoint> topLeft) override;
     void beep(int frequencyHz, int durationMs) override;
+    bool notify(const QString &title, const QString &text) override;
     QString openFileDialog(const FileDialogRequest &request) override;
     bool openUrl(const QString &url) override;
     void processEvents() override { ++processEventsCount_; }
@@ -54,6 +60,7 @@ public:
     void setClipboardText(const QString &text) override;
     QString environmentValue(const QString &name) override { return environment_.value(name); }
     QString applicationFolder() override { return applicationFolder_; }
+    QString userFolder(UserFolder kind) override { return userFolders_[static_cast<int>(kind)]; }
     QString commandLine() override { return commandLine_; }
     QSize screenSize() override { return screenSize_; }
     [[noreturn]] void endProgram(int exitCode) override;
@@ -67,6 +74,8 @@ private:
     bool openUrlResult_ = true;
     QHash<QString, QString> environment_;
     QString applicationFolder_ = QStringLiteral(".");
+    QString userFolders_[2] = {QStringLiteral("./config"), QStringLiteral("./data")};
+    bool notificationsAvailable_ = true;
     QString commandLine_;
     QSize screenSize_{1920, 1080};
     QStringList log_;

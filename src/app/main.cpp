@@ -7,7 +7,10 @@
 
 int main(int argc, char *argv[]) {
     QApplication app(argc, argv);
-    QApplication::setApplicationName(QStringLiteral("ZKR_MUF"));
+    // The name makes the per-user folders (~/.config/zkr_muf); the display
+    // name is what the desktop shows.
+    QApplication::setApplicationName(QStringLiteral("zkr_muf"));
+    QApplication::setApplicationDisplayName(QStringLiteral("ZKR_MUF"));
 
     zkr::ProgramState state;
     zkr::QtPlatform platform;

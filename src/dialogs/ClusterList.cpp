@@ -5,13 +5,14 @@
 namespace zkr {
 
 QList<ClusterList::Row> ClusterList::parse(const QByteArray &bytes, char separator) {
-    // Lines end at CR LF only: a lone CR or LF stays inside its line.
+    // Lines end at CR LF or, in a list edited on Linux, at LF alone; a lone
+    // CR stays inside its line.
     QList<QByteArray> lines;
     qsizetype start = 0;
-    for (qsizetype end = bytes.indexOf("\r\n", start); end >= 0;
-         end = bytes.indexOf("\r\n", start)) {
-        lines.append(bytes.mid(start, end - start));
-        start = end + 2;
+    for (qsizetype end = bytes.indexOf('\n', start); end >= 0; end = bytes.indexOf('\n', start)) {
+        const bool crLf = end > start && bytes.at(end - 1) == '\r';
+        lines.append(bytes.mid(start, end - start - (crLf ? 1 : 0)));
+        start = end + 1;
     }
     lines.append(bytes.mid(start));
 

@@ -24,8 +24,6 @@ public:
         bool operator==(const Row &) const = default;
     };
 
-    static constexpr const char *FileName = "TelnetDXCluster.txt";
-
     // Cuts the file's raw bytes (single-byte text) into rows. Fields are not
     // trimmed; a line without a second separator keeps the rest as its
     // host, one without any keeps the whole line as its name.

@@ -3,6 +3,9 @@
 #include <QRect>
 #include <QString>
 
+#include <functional>
+#include <optional>
+
 namespace zkr {
 
 class SettingsFile;
@@ -28,8 +31,10 @@ public:
     virtual void closeTelnetSession() = 0;
     virtual void Telnet_Connect() = 0;
     virtual void Replay_SpotFile() = 0;
-    // Fetches a web page; "" when no server answered (reported to the user).
-    virtual QString Open_Url(const QString &url) = 0;
+    // Starts fetching a web page; `done` gets it, or none when no server
+    // answered. Never waits.
+    virtual void fetchPage(const QString &url,
+                           std::function<void(std::optional<QString>)> done) = 0;
 };
 
 } // namespace zkr

@@ -5,6 +5,8 @@
 #include "ProgramState.h"
 #include "TextFunctions.h"
 
+#include <QUrl>
+
 namespace zkr {
 
 namespace {
@@ -13,6 +15,10 @@ const QString Marker = QStringLiteral(">ZKR_MUF V");
 
 UpdateCheck::UpdateCheck(ProgramState &state, Platform &platform, Fetch fetch)
     : state_(state), platform_(platform), fetch_(std::move(fetch)) {}
+
+bool UpdateCheck::isConfigured() const {
+    return !state_.UpdatePage_Url.trimmed().isEmpty();
+}
 
 std::optional<QString> UpdateCheck::announcedVersion(const QString &page) {
     const qsizetype marker = page.indexOf(Marker);
@@ -27,15 +33,62 @@ std::optional<QString> UpdateCheck::announcedVersion(const QString &page) {
     return page.mid(start, end - start);
 }
 
-bool UpdateCheck::Check_Update() {
-    state_.ProgramVersion_Num = leadingNumber(state_.ProgramVersion);
-    const std::optional<QString> version = announcedVersion(fetch_(state_.UpdatePage_Url));
+bool UpdateCheck::isNewer(const QString &page, QString *version) const {
+    const std::optional<QString> announced = announcedVersion(page);
     // Compared as numbers: "1.3" on the page is the same as our "1.30".
-    if (!version || !(leadingNumber(*version) > state_.ProgramVersion_Num)) {
+    if (!announced || !(leadingNumber(*announced) > leadingNumber(state_.ProgramVersion))) {
         return false;
     }
-    Announce_Update(*version);
+    *version = *announced;
     return true;
+}
+
+void UpdateCheck::run(std::function<void(std::optional<QString>)> outcome) {
+    if (running_ || !isConfigured()) {
+        return;
+    }
+    running_ = true;
+    fetch_(state_.UpdatePage_Url,
+           [this, outcome = std::move(outcome)](std::optional<QString> page) {
+               running_ = false;
+               outcome(std::move(page));
+               if (finished_) {
+                   finished_();
+               }
+           });
+}
+
+void UpdateCheck::checkInBackground(std::function<void(const QString &)> reportFailure) {
+    run([this, reportFailure = std::move(reportFailure)](std::optional<QString> page) {
+        QString version;
+        if (!page) {
+            reportFailure(QStringLiteral("Update check: no answer from ") +
+                          QUrl(state_.UpdatePage_Url).host());
+        } else if (isNewer(*page, &version)) {
+            Announce_Update(version);
+        }
+    });
+}
+
+void UpdateCheck::Check_Update_Interactive() {
+    run([this](std::optional<QString> page) {
+        QString version;
+        if (page && isNewer(*page, &version)) {
+            Announce_Update(version);
+            return;
+        }
+        platform_.beep(800, 200);
+        MsgBox_Pos(platform_);
+        if (!page) {
+            platform_.messageBox(
+                QStringLiteral("Can't connect. Make sure url is correct or even if host exists."),
+                MsgButtons::Critical + MsgButtons::OkOnly, QStringLiteral("W a r n i n g !"));
+            return;
+        }
+        state_.Msg_Title = QStringLiteral("UpdateCheck");
+        platform_.messageBox(QStringLiteral("No updates available. You have the latest version !"),
+                             MsgButtons::OkOnly, state_.Msg_Title);
+    });
 }
 
 void UpdateCheck::Announce_Update(const QString &version) {
@@ -49,17 +102,6 @@ void UpdateCheck::Announce_Update(const QString &version) {
     if (answer == MsgResult::Yes) {
         platform_.openUrl(state_.UpdatePage_Url);
     }
-}
-
-void UpdateCheck::Check_Update_Interactive() {
-    if (Check_Update()) {
-        return;
-    }
-    state_.Msg_Title = QStringLiteral("UpdateCheck");
-    platform_.beep(800, 200);
-    MsgBox_Pos(platform_);
-    platform_.messageBox(QStringLiteral("No updates available. You have the latest version !"),
-                         MsgButtons::OkOnly, state_.Msg_Title);
 }
 
 } // namespace zkr

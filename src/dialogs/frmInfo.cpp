@@ -3,7 +3,6 @@
 #include "MsgBox_Pos.h"
 #include "Platform.h"
 #include "ProgramState.h"
-#include "SiteDefaults.h"
 
 #include <QEvent>
 #include <QHBoxLayout>
@@ -36,7 +35,7 @@ QString withoutScheme(const QString &url) {
 } // namespace
 
 frmInfo::frmInfo(const ProgramState &state, Platform &platform, QWidget *parent)
-    : QDialog(parent), platform_(platform) {
+    : QDialog(parent), state_(state), platform_(platform) {
     setObjectName(QStringLiteral("frmInfo"));
     setWindowTitle(QStringLiteral("About ZKR_MUF"));
     setMouseTracking(true);
@@ -60,10 +59,11 @@ frmInfo::frmInfo(const ProgramState &state, Platform &platform, QWidget *parent)
         label->installEventFilter(this);
         setHovered(label, false);
         column->addWidget(label);
+        label->setVisible(!target.isEmpty());
         return label;
     };
-    lblHyperlink_ = makeLink(QStringLiteral("lblHyperlink"), site::HomePageUrl);
-    lblEmaillink_ = makeLink(QStringLiteral("lblEmaillink"), site::ContactMailUrl);
+    lblHyperlink_ = makeLink(QStringLiteral("lblHyperlink"), state.HomePage_Url);
+    lblEmaillink_ = makeLink(QStringLiteral("lblEmaillink"), state.ContactMail_Url);
 
     auto *buttons = new QHBoxLayout;
     buttons->addStretch();
@@ -141,17 +141,17 @@ void frmInfo::Form_MouseMove() {
 }
 
 void frmInfo::lblHyperlink_Click() {
-    openTarget(site::HomePageUrl,
+    openTarget(state_.HomePage_Url,
                QStringLiteral("There was an error when trying to open the default browser"));
 }
 
 void frmInfo::lblEmaillink_Click() {
-    openTarget(site::ContactMailUrl,
+    openTarget(state_.ContactMail_Url,
                QStringLiteral("There was an error when trying to open the default email client"));
 }
 
 void frmInfo::openTarget(const QString &target, const QString &failureText) {
-    if (!linkActive_) {
+    if (!linkActive_ || target.isEmpty()) {
         return;
     }
     if (!platform_.openUrl(target)) {

@@ -36,6 +36,7 @@ private:
     void setHovered(QLabel *label, bool hovered);
     void openTarget(const QString &target, const QString &failureText);
 
+    const ProgramState &state_;
     Platform &platform_;
     QPlainTextEdit *Text1_ = nullptr;
     QLabel *lblHyperlink_ = nullptr;

@@ -52,13 +52,17 @@ void setBackground(QWidget *widget, std::uint32_t bgr) {
 frmZKR_MUF_Setup::frmZKR_MUF_Setup(ProgramState &state, Platform &platform, SetupDialogHost &host,
                                    QWidget *parent)
     : QDialog(parent), state_(state), platform_(platform), host_(host),
-      updateCheck_(state, platform, [&host](const QString &url) { return host.Open_Url(url); }),
+      updateCheck_(state, platform,
+                   [&host](const QString &url, UpdateCheck::Done done) {
+                       host.fetchPage(url, std::move(done));
+                   }),
       modalSession_([](frmZKR_MUF_Setup &dialog) { dialog.exec(); }) {
     setObjectName(QStringLiteral("frmZKR_MUF_Setup"));
     setWindowTitle(QStringLiteral("ZKR_MUF Setup"));
     buildControls();
     applyColours();
     resetButtons();
+    updateCheck_.setFinishedHandler([this] { enableUpdateControls(); });
 }
 
 void frmZKR_MUF_Setup::buildControls() {
@@ -97,6 +101,12 @@ void frmZKR_MUF_Setup::buildControls() {
     ListView1_->setFixedWidth(467);
     ListView1_->setMinimumHeight(ListView1_->fontMetrics().lineSpacing() * 10);
     frameColumn->addWidget(ListView1_);
+    Label_ClusterList_ = new QLabel(Frame2_);
+    Label_ClusterList_->setObjectName(QStringLiteral("Label_ClusterList"));
+    Label_ClusterList_->setTextFormat(Qt::PlainText); // a path is no markup
+    Label_ClusterList_->setWordWrap(true);
+    Label_ClusterList_->setVisible(false);
+    frameColumn->addWidget(Label_ClusterList_);
     column->addWidget(Frame2_, 1);
 
     auto *updates = new QHBoxLayout;
@@ -160,7 +170,7 @@ void frmZKR_MUF_Setup::runHandler(const std::function<void()> &handler) {
 }
 
 QString frmZKR_MUF_Setup::clusterListPath() const {
-    return QDir(platform_.applicationFolder()).filePath(QLatin1String(ClusterList::FileName));
+    return state_.Folders.clusterList();
 }
 
 // --- Buttons ---
@@ -212,10 +222,37 @@ void frmZKR_MUF_Setup::loadClusterList() {
     if (state_.RunMode != TelnetMode) {
         return;
     }
-    // A missing list is not reported: the list stays as it was.
+    const QString path = clusterListPath();
     QString errorText;
-    Load_ClusterList(*ListView1_, clusterListPath(), '|', errorText, state_);
-    markClusterRow(true);
+    if (!path.isEmpty()) {
+        Load_ClusterList(*ListView1_, path, '|', errorText, state_);
+        markClusterRow(true);
+    }
+    // A missing or empty list is said, with where it was looked for, so
+    // that the user knows which file to write.
+    QString problem;
+    if (path.isEmpty()) {
+        problem = QStringLiteral("No cluster list found. Looked for ") +
+                  state_.Folders.clusterLists.join(QStringLiteral(", ")) + QLatin1Char('.');
+    } else if (!errorText.isEmpty()) {
+        problem = errorText;
+    } else if (ListView1_->topLevelItemCount() == 0) {
+        problem = QStringLiteral("The cluster list ") + path +
+                  QStringLiteral(" has no clusters: one \"name|host|port\" line per node after "
+                                 "a header line.");
+    }
+    Label_ClusterList_->setText(problem);
+    Label_ClusterList_->setVisible(!problem.isEmpty());
+}
+
+void frmZKR_MUF_Setup::enableUpdateControls() {
+    const bool configured = updateCheck_.isConfigured();
+    const QString why =
+        configured ? QString() : QStringLiteral("No download page is configured yet.");
+    CheckBox_AutoUpdate_->setEnabled(configured);
+    CheckBox_AutoUpdate_->setToolTip(why);
+    CommandButton_Check_for_Updates_->setEnabled(configured && !updateCheck_.isRunning());
+    CommandButton_Check_for_Updates_->setToolTip(why);
 }
 
 void frmZKR_MUF_Setup::Setup_Click() {
@@ -229,6 +266,7 @@ void frmZKR_MUF_Setup::Setup_Click() {
     centreOver(host_.mainFrame());
     loadClusterList();
     resetButtons();
+    enableUpdateControls();
     inSession_ = true;
     modalSession_(*this);
     inSession_ = false;
@@ -251,17 +289,15 @@ void frmZKR_MUF_Setup::ListView1_ItemClick(QTreeWidgetItem *item) {
 }
 
 void frmZKR_MUF_Setup::CheckBox_AutoUpdate_Click() {
-    const bool on = CheckBox_AutoUpdate_->isChecked();
-    // The section and key the settings are read from.
+    // Stored at once; the check itself runs at the next start.
     Ini_Write(QStringLiteral("AutoUpdateCheck"), QStringLiteral("UpdateCheck"),
-              on ? QStringLiteral("on") : QStringLiteral("off"), state_.IniFilePath);
-    if (on) {
-        updateCheck_.Check_Update();
-    }
+              CheckBox_AutoUpdate_->isChecked() ? QStringLiteral("on") : QStringLiteral("off"),
+              state_.IniFilePath);
 }
 
 void frmZKR_MUF_Setup::CommandButton_Check_for_Updates_Click() {
     updateCheck_.Check_Update_Interactive();
+    enableUpdateControls();
 }
 
 void frmZKR_MUF_Setup::Command_ExitwWthoutSave_Click() {
@@ -309,10 +345,13 @@ void frmZKR_MUF_Setup::Command_SaveConfig_Click() {
     }
 
     if (state_.RunMode == FileMode) {
-        state_.OwnCall = QStringLiteral("QQ7ZKR");
+        // A replay is for this session: the user's call stays the own call,
+        // in the window and in the settings, for the next cluster login.
+        state_.OwnCall = state_.Call_BeforeSetup;
+        text_Call_->setText(state_.OwnCall);
         host_.showOwnCallLabels(QStringLiteral("CALL ") + state_.OwnCall,
                                 QStringLiteral("LOC ") + state_.OwnLocator);
-        Ini_Write(QStringLiteral("Call"), QStringLiteral("OwnCall"), state_.OwnCall,
+        Ini_Write(QStringLiteral("Locator"), QStringLiteral("OwnLocator"), state_.OwnLocator,
                   state_.IniFilePath);
         hide();
         host_.layoutForRunMode(true);
@@ -376,11 +415,7 @@ bool frmZKR_MUF_Setup::isAutoUpdateChecked() const {
 }
 
 void frmZKR_MUF_Setup::setAutoUpdateChecked(bool checked) {
-    if (checked == CheckBox_AutoUpdate_->isChecked()) {
-        return;
-    }
     CheckBox_AutoUpdate_->setChecked(checked);
-    CheckBox_AutoUpdate_Click();
 }
 
 void frmZKR_MUF_Setup::showInFront() {
@@ -389,6 +424,7 @@ void frmZKR_MUF_Setup::showInFront() {
     if (!isVisible()) {
         loadClusterList();
         resetButtons();
+        enableUpdateControls();
     }
     show();
     raise();

@@ -48,8 +48,12 @@ public:
     void Command_ExitwWthoutSave_Click();
     void Command_SaveConfig_Click();
 
-    // The cluster list file in the program's folder.
+    // The cluster list in use: the user's own, else the shipped one; "" when
+    // there is none.
     QString clusterListPath() const;
+    // The check of the download page; the main window runs it in the
+    // background after start-up.
+    UpdateCheck &updateCheck() { return updateCheck_; }
 
     // SetupDialogLink
     QString callText() const override;
@@ -80,6 +84,9 @@ private:
     // In telnet mode: the list file, with the cluster in use marked.
     void loadClusterList();
     void markClusterRow(bool marked);
+    // The update controls can only be used with a download page, and
+    // "Check now" only once at a time.
+    void enableUpdateControls();
     // Runs a handler started by the user; a run-time error ends it and is
     // reported, the program goes on.
     void runHandler(const std::function<void()> &handler);
@@ -98,6 +105,7 @@ private:
     QLineEdit *text_Locator_ = nullptr;
     QGroupBox *Frame2_ = nullptr;
     QTreeWidget *ListView1_ = nullptr;
+    QLabel *Label_ClusterList_ = nullptr; // says when the list is missing or empty
     QCheckBox *CheckBox_AutoUpdate_ = nullptr;
     QPushButton *CommandButton_Check_for_Updates_ = nullptr;
     QPushButton *Command_SaveConfig_ = nullptr;

@@ -17,6 +17,7 @@
 #include <QSystemTrayIcon>
 #include <QUrl>
 
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
 
@@ -199,6 +200,10 @@ std::optional<QString> QtPlatform::inputBox(const QString &prompt, const QString
     for (QLabel *label : labels) {
         label->setTextFormat(Qt::PlainText);
     }
+    // Wide enough for its title and a call sign or locator: the title bar
+    // would otherwise cut "ZKR_MUF" to its end.
+    const QFontMetrics metrics(QApplication::font("QWorkspaceTitleBar"));
+    box.setMinimumWidth(std::max(320, metrics.horizontalAdvance(box.windowTitle()) + 160));
     placeWhenShown(box);
     if (box.exec() != QDialog::Accepted) {
         return std::nullopt;

@@ -1,5 +1,7 @@
 #pragma once
 
+#include "ProgramFolders.h"
+
 #include <QString>
 #include <QStringList>
 
@@ -18,6 +20,7 @@ struct ProgramState {
     QString ProgramDate;
     QString IniFileName;
     QString IniFilePath;
+    ProgramFolders Folders;
     QString ComputerName;
     QString Check_OwnCall_Arg;
     QString OwnLocator_Default;
@@ -33,6 +36,8 @@ struct ProgramState {
     bool Telnet_Connected = false;
     QString Telnet_DebugFile;
     QString WebCluster_Url;
+    QString HomePage_Url;    // "" while the project has no site
+    QString ContactMail_Url; // mailto:, "" while there is none
     bool Web_Offline = false;
     bool FileMode_Active = false;
     bool FirstFetch = false;

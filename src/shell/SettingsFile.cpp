@@ -74,14 +74,15 @@ void SettingsFile::Read_Settings() {
     state_.Telnet_Host = read(QStringLiteral("Telnet"), QStringLiteral("Telnet_Host"), {});
     state_.Telnet_Port = read(QStringLiteral("Telnet"), QStringLiteral("Telnet_Port"), {});
 
-    // Ticking the box runs the update check: this is the check at start-up.
+    // Off unless the user switched it on: there may be no page to ask.
     state_.AutoUpdateCheck_Value =
         read(QStringLiteral("AutoUpdateCheck"), QStringLiteral("UpdateCheck"), {});
-    const QString updateCheck = state_.AutoUpdateCheck_Value.toLower();
-    if (updateCheck == QLatin1String("on") || updateCheck.isEmpty()) {
-        setupDialog_.setAutoUpdateChecked(true);
-    } else if (updateCheck == QLatin1String("off")) {
-        setupDialog_.setAutoUpdateChecked(false);
+    setupDialog_.setAutoUpdateChecked(state_.AutoUpdateCheck_Value.toLower() ==
+                                      QLatin1String("on"));
+    const QString downloadPage =
+        read(QStringLiteral("AutoUpdateCheck"), QStringLiteral("DownloadPage"), {}).trimmed();
+    if (!downloadPage.isEmpty()) {
+        state_.UpdatePage_Url = downloadPage;
     }
 
     Read_Position();
@@ -142,7 +143,7 @@ void SettingsFile::Create_Settings() {
     setupDialog_.Setup_Click();
 
     write(QStringLiteral("AutoUpdateCheck"), QStringLiteral("UpdateCheck"),
-          QStringLiteral("on") + state_.CrLf);
+          QStringLiteral("off") + state_.CrLf);
 }
 
 void SettingsFile::Save_Settings() {

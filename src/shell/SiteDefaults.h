@@ -29,10 +29,12 @@ inline const QString WebClusterUrl =
 inline const QString WebClusterUrlVariable = QStringLiteral("ZKR_MUF_WEBCLUSTER_URL");
 inline const QString DownloadPageUrlVariable = QStringLiteral("ZKR_MUF_DOWNLOAD_URL");
 
-// Our own pages: placeholders until the project has its own site.
-inline const QString DownloadPageUrl = QStringLiteral("https://zkr-muf.example.org/download.html");
-inline const QString HomePageUrl = QStringLiteral("https://zkr-muf.example.org/");
-inline const QString ContactMailUrl = QStringLiteral("mailto:zkr-muf@example.org");
+// Our own pages: none yet. Without a download page there is no update
+// check (the environment value or the settings file may name one), and the
+// About window shows no links.
+inline const QString DownloadPageUrl;
+inline const QString HomePageUrl;
+inline const QString ContactMailUrl;
 
 // Workstations of the developers: on these the telnet console opens
 // minimised at start-up. Chosen so that no ordinary machine is named so.

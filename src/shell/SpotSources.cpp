@@ -10,7 +10,10 @@
 #include "SpotPage.h"
 #include "frmZKR_MUF.h"
 
+#include <QFileInfo>
 #include <QTimer>
+
+#include <utility>
 
 namespace zkr {
 
@@ -54,15 +57,24 @@ SpotSources::SpotSources(ProgramState &state, Platform &platform, frmZKR_MUF &wi
             console_->appendRecord(text);
         }
     });
-    connect(&replay_, &FileReplay::finished, this, [this] { fileFeed_.finish(); });
+    connect(&replay_, &FileReplay::finished, this, [this] {
+        fileFeed_.finish();
+        // The end of a replay is seen: the work label goes, the status says
+        // what came of it.
+        window_.hideWorkLabel();
+        window_.showStatusCaption(QStringLiteral("Replayed ") +
+                                  QFileInfo(replayFileName_).fileName() + QStringLiteral(": ") +
+                                  QString::number(replayedSpots_) + QStringLiteral(" spots"));
+    });
     connect(&web_, &WebClient::progress, this,
             [this](const QString &caption) { window_.showWorkLabel(caption); });
     connect(&web_, &WebClient::fetched, this, &SpotSources::onPage);
     connect(&web_, &WebClient::failed, this, &SpotSources::onPageFailed);
-    // The update check's own failure: the warning, but the spot source stays
-    // as it is.
-    connect(&updateWeb_, &WebClient::failed, this,
-            [this] { MsgBox_Timed(state_, platform_, window_); });
+    // The update check's page: handed to whoever asked, the spot source and
+    // the status stay as they are.
+    connect(&updateWeb_, &WebClient::fetched, this,
+            [this](const QString &page) { finishUpdateFetch(page); });
+    connect(&updateWeb_, &WebClient::failed, this, [this] { finishUpdateFetch(std::nullopt); });
 }
 
 SpotSources::~SpotSources() {
@@ -104,6 +116,18 @@ void SpotSources::Telnet_Connect() {
         platform_.armBoxPlacement(std::nullopt);
         platform_.messageBox(ConnectError, MsgButtons::Information, QStringLiteral("Attention!"));
         return;
+    }
+    if (session_.isActiveFor(state_.Telnet_Host, static_cast<quint16>(port), state_.OwnCall)) {
+        // Asked again for the session under way (a first-run setup, then the
+        // start-up): one connection, one report of its failure. A waiting
+        // one tries at once; an open one is opened anew below.
+        if (session_.state() == ClusterSession::State::Connecting) {
+            return;
+        }
+        if (session_.state() == ClusterSession::State::Waiting) {
+            session_.retryNow();
+            return;
+        }
     }
     // The user asked for this connection: its first failure deserves a box,
     // the retries that follow only the status label.
@@ -182,6 +206,8 @@ void SpotSources::onSpotLine(const QString &line) {
 void SpotSources::onSpot(const EvaluatedSpot &spot) {
     writer_.writeSpot(spot);
     window_.refreshPanes();
+    window_.showLastSpot(spot.received);
+    ++replayedSpots_;
     if (console_ != nullptr) {
         console_->setDataField(spot.line);
     }
@@ -234,7 +260,10 @@ void SpotSources::Replay_SpotFile() {
     }
     applyAnalysisSettings();
     fileFeed_.reset();
+    replayedSpots_ = 0;
+    window_.showWorkLabel(QStringLiteral("CALCULATING"));
     if (!replay_.start(replayFileName_, fileFeed_)) {
+        window_.hideWorkLabel();
         reportRunTimeError(platform_, RunTimeError(RunTimeError::FileNotFound,
                                                    replayFileName_ + QStringLiteral(": ") +
                                                        replay_.errorString()));
@@ -279,6 +308,23 @@ void SpotSources::onPageFailed() {
     state_.FirstFetch = true;
     state_.Web_Offline = true;
     window_.showWorkLabel(QStringLiteral("OFFLINE !"));
+}
+
+// --- Update page ---
+
+void SpotSources::fetchUpdatePage(const QString &url,
+                                  std::function<void(std::optional<QString>)> done) {
+    if (updateDone_ || !updateWeb_.fetch(url)) {
+        done(std::nullopt); // one check at a time
+        return;
+    }
+    updateDone_ = std::move(done);
+}
+
+void SpotSources::finishUpdateFetch(std::optional<QString> page) {
+    if (auto done = std::exchange(updateDone_, nullptr)) {
+        done(std::move(page));
+    }
 }
 
 // --- Console ---

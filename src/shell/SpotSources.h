@@ -11,7 +11,9 @@
 #include <QObject>
 
 #include <deque>
+#include <functional>
 #include <memory>
+#include <optional>
 
 namespace zkr {
 
@@ -42,8 +44,9 @@ public:
     SpotPipeline &pipeline() { return pipeline_; }
     ClusterSession &session() { return session_; }
     WebClient &web() { return web_; }
-    // A client of its own for the interactive update check, so that it never
-    // waits for a spot page.
+    // Fetches the download page on a client of its own, so that it never
+    // waits for a spot page; `done` gets the page or none.
+    void fetchUpdatePage(const QString &url, std::function<void(std::optional<QString>)> done);
     WebClient &updateWeb() { return updateWeb_; }
 
     // Connects to the configured cluster and keeps connecting.
@@ -80,6 +83,7 @@ private:
     void onPageFailed();
     void record(const QString &chunk);
     void connectFeed(ClusterFeed &feed);
+    void finishUpdateFetch(std::optional<QString> page);
 
     ProgramState &state_;
     Platform &platform_;
@@ -91,9 +95,11 @@ private:
     FileReplay replay_;
     WebClient web_;
     WebClient updateWeb_;
+    std::function<void(std::optional<QString>)> updateDone_;
     QString replayFileName_;
     std::deque<QString> recentLines_;
     qsizetype recordChars_ = 0;
+    qsizetype replayedSpots_ = 0; // spots since the last replay began
     bool reportFailure_ = false;
     QString lastReportedError_;
     // A window of its own, like the main window, not one inside it.

@@ -76,9 +76,11 @@ void Form_Load(ProgramState &s, Platform &platform, StartupWindow &window) {
     window.setMainCaption(QStringLiteral("ZKR_MUF ") + QStringLiteral("V") + s.ProgramVersion +
                           QStringLiteral("      MUF Calculator by QQ7ZKR"));
 
-    // 3. Settings file beside the executable.
+    // 3. Settings file beside the executable, or in the user's folder when
+    // the program is installed where the user cannot write.
     s.IniFileName = QStringLiteral("zkr_muf.ini");
-    s.IniFilePath = QDir(platform.applicationFolder()).filePath(s.IniFileName);
+    s.Folders = ProgramFolders::find(platform);
+    s.IniFilePath = QDir(s.Folders.settings).filePath(s.IniFileName);
 
     // 4. Only the developer-workstation test uses the computer name.
     s.ComputerName = platform.environmentValue(QStringLiteral("Computername").toUpper());
@@ -114,6 +116,8 @@ void Form_Load(ProgramState &s, Platform &platform, StartupWindow &window) {
     if (s.UpdatePage_Url.isEmpty()) {
         s.UpdatePage_Url = site::DownloadPageUrl;
     }
+    s.HomePage_Url = site::HomePageUrl;
+    s.ContactMail_Url = site::ContactMailUrl;
     s.CrLf = QStringLiteral("\r\n");
     s.Eval_Flag = false;
 

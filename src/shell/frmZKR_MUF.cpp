@@ -17,16 +17,21 @@
 #include <QAction>
 #include <QCheckBox>
 #include <QCloseEvent>
+#include <QDateTime>
 #include <QFontDatabase>
 #include <QGridLayout>
+#include <QGuiApplication>
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
 #include <QMouseEvent>
 #include <QPushButton>
+#include <QScreen>
 #include <QTabWidget>
 #include <QTimer>
 #include <QVBoxLayout>
+
+#include <algorithm>
 
 namespace zkr {
 
@@ -89,8 +94,16 @@ void frmZKR_MUF::buildControls() {
     };
     Label_OwnCall_ = makeLabel("Label_OwnCall");
     Label_OwnLocator_ = makeLabel("Label_OwnLocator");
-    Label_Telnet_Status_ = makeLabel("Label_Telnet_Status");
+    // The status gives up width rather than widen the window.
+    Label_Telnet_Status_ = new ElidedLabel(central);
+    Label_Telnet_Status_->setObjectName(QStringLiteral("Label_Telnet_Status"));
+    Label_Telnet_Status_->setMargin(3);
     Label2_ = makeLabel("Label2");
+    Label_LastSpot_ = makeLabel("Label_LastSpot");
+    Label_LastSpot_->setToolTip(QStringLiteral("When the last spot came in (UTC)"));
+    Label_LastSpot_->setFixedWidth(
+        Label_LastSpot_->fontMetrics().horizontalAdvance(QStringLiteral("last spot 00:00:00Z")) +
+        8);
     Label_OwnCall_->setVisible(false);
     Label_OwnLocator_->setVisible(false);
     Label_Telnet_Status_->setVisible(false);
@@ -110,6 +123,7 @@ void frmZKR_MUF::buildControls() {
     top->addWidget(Label_OwnLocator_);
     top->addWidget(Label_Telnet_Status_, 1);
     top->addWidget(Label2_);
+    top->addWidget(Label_LastSpot_);
 
     Check_Over144MHZOnly_ = new QCheckBox(QStringLiteral("only spots >= 144&MHz"), central);
     Check_Over144MHZOnly_->setObjectName(QStringLiteral("Check_Over144MHZOnly"));
@@ -166,6 +180,10 @@ void frmZKR_MUF::buildControls() {
 
     Timer1_ = new QTimer(this);
     Timer1_->setObjectName(QStringLiteral("Timer1"));
+    transientTimer_ = new QTimer(this);
+    transientTimer_->setSingleShot(true);
+    connect(transientTimer_, &QTimer::timeout, this,
+            [this] { Label_Telnet_Status_->setFullText(regularStatus_); });
 
     connect(Timer1_, &QTimer::timeout, this, [this] { runHandler([this] { Timer1_Timer(); }); });
     connect(Check_EsSpotsOnly_, &QCheckBox::clicked, this,
@@ -218,10 +236,34 @@ void frmZKR_MUF::refreshPanes() {
 }
 
 void frmZKR_MUF::setStatusLabel(const QString &caption, std::uint32_t bgrColour) {
-    Label_Telnet_Status_->setText(caption);
+    showStatusText(caption);
     setBackground(Label_Telnet_Status_, fromBgr(bgrColour));
     Label_Telnet_Status_->setEnabled(true);
     Label_Telnet_Status_->setVisible(true);
+}
+
+void frmZKR_MUF::showStatusText(const QString &caption) {
+    regularStatus_ = caption;
+    if (!transientTimer_->isActive()) {
+        Label_Telnet_Status_->setFullText(caption);
+    }
+}
+
+void frmZKR_MUF::showTransientStatus(const QString &caption, int milliseconds) {
+    Label_Telnet_Status_->setFullText(caption);
+    Label_Telnet_Status_->setVisible(true);
+    transientTimer_->start(milliseconds);
+}
+
+void frmZKR_MUF::showLastSpot(const QDateTime &received) {
+    // Once a second at most, however fast the spots come.
+    QString text = QStringLiteral("last spot ") +
+                   received.toUTC().toString(QStringLiteral("HH:mm:ss")) + QLatin1Char('Z');
+    if (text != lastSpotText_) {
+        Label_LastSpot_->setText(text);
+        lastSpotText_ = std::move(text);
+    }
+    Label_LastSpot_->setVisible(true);
 }
 
 void frmZKR_MUF::showWorkLabel(const QString &caption) {
@@ -302,13 +344,8 @@ void frmZKR_MUF::layoutInitial() {
 void frmZKR_MUF::layoutByMode() {
     applyColours();
     applyModeSettings(true);
-    if (state_.RunMode == TelnetMode && state_.Settings_Created) {
-        // After a first run the user picks a cluster.
-        setupDialog_->centreOver(frameGeometry());
-        setupDialog_->showInFront();
-        platform_.processEvents();
-        state_.Settings_Created = false;
-    }
+    // A first run has shown the setup already, while creating the settings.
+    state_.Settings_Created = false;
 }
 
 void frmZKR_MUF::applyModeSettings(bool secondPass) {
@@ -330,7 +367,7 @@ void frmZKR_MUF::applyModeSettings(bool secondPass) {
     // The two filters are not offered in this version.
     disableFilters();
     if (web) {
-        Label_Telnet_Status_->setText(QStringLiteral("Listen to ") + site::WebClusterBase);
+        showStatusText(QStringLiteral("Listen to ") + site::WebClusterBase);
         setBackground(Label_Telnet_Status_, fromBgr(Yellow));
         Label_Telnet_Status_->setVisible(true);
         if (secondPass) {
@@ -401,7 +438,24 @@ QSize frmZKR_MUF::mainWindowSize() {
 }
 
 void frmZKR_MUF::moveMainWindow(QPoint topLeft) {
-    move(topLeft);
+    // The saved place is the inside of the window (its frame is not known
+    // before the first show, and differs between desktops): read and
+    // written the same way it does not creep. A place on a screen that is
+    // gone (a laptop away from its monitor) is brought back to the main one.
+    QRect wanted(topLeft, size());
+    const QRect grip(wanted.topLeft(), QSize(std::min(wanted.width(), 120), 30));
+    bool reachable = false;
+    for (const QScreen *screen : QGuiApplication::screens()) {
+        reachable = reachable || screen->availableGeometry().contains(grip);
+    }
+    const QScreen *primary = QGuiApplication::primaryScreen();
+    if (!reachable && primary != nullptr) {
+        const QRect area = primary->availableGeometry();
+        wanted.moveCenter(area.center());
+        wanted.moveTopLeft(
+            QPoint(std::max(wanted.left(), area.left()), std::max(wanted.top(), area.top())));
+    }
+    setGeometry(wanted);
 }
 
 void frmZKR_MUF::centreDialogsOverMain() {
@@ -429,11 +483,11 @@ void frmZKR_MUF::replaySpotFile() {
 // --- MainWindowLink and MainStatusLabel ---
 
 int frmZKR_MUF::windowLeft() const {
-    return pos().x();
+    return geometry().x();
 }
 
 int frmZKR_MUF::windowTop() const {
-    return pos().y();
+    return geometry().y();
 }
 
 bool frmZKR_MUF::isWindowMinimized() const {
@@ -460,7 +514,7 @@ void frmZKR_MUF::unloadAllWindows() {
 }
 
 void frmZKR_MUF::showStatusCaption(const QString &caption) {
-    Label_Telnet_Status_->setText(caption);
+    showStatusText(caption);
     Label_Telnet_Status_->setVisible(true);
 }
 
@@ -498,13 +552,8 @@ void frmZKR_MUF::Replay_SpotFile() {
     sources_->Replay_SpotFile();
 }
 
-QString frmZKR_MUF::Open_Url(const QString &url) {
-    WebClient &web = sources_->updateWeb();
-    const QString page = web.Open_Url(url);
-    if (web.lastUrlOpened()) {
-        hideWorkLabel();
-    }
-    return page;
+void frmZKR_MUF::fetchPage(const QString &url, std::function<void(std::optional<QString>)> done) {
+    sources_->fetchUpdatePage(url, std::move(done));
 }
 
 // --- Event handlers ---
@@ -601,6 +650,22 @@ void frmZKR_MUF::closeEvent(QCloseEvent *event) {
     // Closing by the frame ends the program like EXIT, position saved.
     event->ignore();
     Command_End_Click();
+}
+
+void frmZKR_MUF::showEvent(QShowEvent *event) {
+    QMainWindow::showEvent(event);
+    if (!shownOnce_) {
+        shownOnce_ = true;
+        QTimer::singleShot(0, this, [this] { afterFirstShow(); });
+    }
+}
+
+void frmZKR_MUF::afterFirstShow() {
+    showTransientStatus(QStringLiteral("Settings in ") + state_.IniFilePath);
+    UpdateCheck &check = setup_->updateCheck();
+    if (setupDialog_->isAutoUpdateChecked() && check.isConfigured()) {
+        check.checkInBackground([this](const QString &text) { showTransientStatus(text); });
+    }
 }
 
 bool frmZKR_MUF::eventFilter(QObject *watched, QEvent *event) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "ElidedLabel.h"
 #include "MainStatusLabel.h"
 #include "MainWindowLink.h"
 #include "MemoryPane.h"
@@ -12,8 +13,10 @@
 #include <array>
 #include <functional>
 #include <memory>
+#include <optional>
 
 class QAction;
+class QDateTime;
 class QCheckBox;
 class QLabel;
 class QPushButton;
@@ -63,6 +66,11 @@ public:
     // The status label (caption and &H00BBGGRR background, made visible)
     // and the work label.
     void setStatusLabel(const QString &caption, std::uint32_t bgrColour);
+    // Shows a passing message in the status for a few seconds; the status
+    // set meanwhile comes back after it.
+    void showTransientStatus(const QString &caption, int milliseconds = 6000);
+    // When the last spot came in, shown beside the status (UTC).
+    void showLastSpot(const QDateTime &received);
     void showWorkLabel(const QString &caption);
     void hideWorkLabel();
     bool over144Only() const;
@@ -127,10 +135,11 @@ public:
     void closeTelnetSession() override;
     void Telnet_Connect() override;
     void Replay_SpotFile() override;
-    QString Open_Url(const QString &url) override;
+    void fetchPage(const QString &url, std::function<void(std::optional<QString>)> done) override;
 
 protected:
     void closeEvent(QCloseEvent *event) override;
+    void showEvent(QShowEvent *event) override;
     bool eventFilter(QObject *watched, QEvent *event) override;
 
 private:
@@ -143,6 +152,10 @@ private:
     void applyModeSettings(bool secondPass);
     void clearPanes();
     void filterClicked(bool &changedFlag);
+    void showStatusText(const QString &caption);
+    // What runs once the window is on screen: where the settings live, and
+    // the update check when the user wants one.
+    void afterFirstShow();
     // Runs a handler started by the user or a timer; a run-time error ends
     // the handler and is reported, the program goes on.
     void runHandler(const std::function<void()> &handler);
@@ -167,7 +180,12 @@ private:
     QPushButton *Setup_ = nullptr;
     QPushButton *Command_Telnet_ = nullptr;
     QTimer *Timer1_ = nullptr;
-    QLabel *Label_Telnet_Status_ = nullptr;
+    ElidedLabel *Label_Telnet_Status_ = nullptr;
+    QLabel *Label_LastSpot_ = nullptr;
+    QTimer *transientTimer_ = nullptr;
+    QString regularStatus_; // shown again when a passing message ends
+    QString lastSpotText_;
+    bool shownOnce_ = false;
     QLabel *Label_OwnCall_ = nullptr;
     QLabel *Label_OwnLocator_ = nullptr;
     QLabel *Label2_ = nullptr;

@@ -56,6 +56,11 @@ public:
     bool send(const QString &text);
 
     State state() const { return state_; }
+    // Whether the session is open, opening or waiting to reopen for this
+    // login at this node.
+    bool isActiveFor(const QString &host, quint16 port, const QString &ownCall) const {
+        return state_ != State::Idle && host_ == host && port_ == port && ownCall_ == ownCall;
+    }
     // Failed attempts since the last successful connection.
     int attempt() const { return attempt_; }
     // Seconds until the next retry while waiting.

@@ -266,7 +266,7 @@ void FrmTelnet::appendRecord(const QString &chunk) {
 }
 
 QString FrmTelnet::debugFilePath() const {
-    return QDir(platform_.applicationFolder()).filePath(state_.Telnet_DebugFile);
+    return QDir(state_.Folders.data).filePath(state_.Telnet_DebugFile);
 }
 
 } // namespace zkr

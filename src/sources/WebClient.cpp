@@ -1,6 +1,5 @@
 #include "WebClient.h"
 
-#include <QEventLoop>
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QNetworkRequest>
@@ -105,21 +104,6 @@ void WebClient::onFinished() {
         return;
     }
     Q_EMIT failed(lastError_);
-}
-
-QString WebClient::Open_Url(const QString &url) {
-    QEventLoop loop;
-    QString body;
-    connect(this, &WebClient::fetched, &loop, [&](const QString &page) {
-        body = page;
-        loop.quit();
-    });
-    connect(this, &WebClient::failed, &loop, [&] { loop.quit(); });
-    if (!fetch(url)) {
-        return QString();
-    }
-    loop.exec();
-    return body;
 }
 
 } // namespace zkr

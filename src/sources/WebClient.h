@@ -35,9 +35,6 @@ public:
     bool fetch(const QString &url);
     bool isBusy() const { return reply_ != nullptr || retrying_; }
 
-    // Fetches and waits for the answer in a local event loop: for the
-    // interactive update check only. "" when no server answered.
-    QString Open_Url(const QString &url);
     bool lastUrlOpened() const { return lastOpened_; }
     int lastError() const { return lastError_; }
 

@@ -7,7 +7,6 @@
 #include "QtPrinters.h"
 #include "RunTimeError.h"
 #include "ScriptedPlatform.h"
-#include "SiteDefaults.h"
 #include "UpdateCheck.h"
 #include "frmInfo.h"
 
@@ -35,7 +34,9 @@ TEST(ClusterList, HeaderAndTextAfterTheLastLineEndAreNoClusters) {
         {"three without it: the last is lost", three, {a, b}},
         {"header only", "DX-Cluster|Host|Port\r\n", {}},
         {"empty file", "", {}},
-        {"lines end at CR LF only", "H\nX|y|1\r\nA|b\nc|2\r\n", {{1, "A", "b\nc", "2"}}},
+        {"LF line ends, as edited on Linux",
+         "H\nX|y|1\nA|b\r\nc\rd|2\n",
+         {{1, "X", "y", "1"}, {2, "A", "b", ""}, {3, "c\rd", "2", ""}}},
         {"malformed lines do not break it",
          "H\r\nNOSEP\r\nA|host only\r\nB|h|p|more\r\n|\r\n\r\n C | h |\r\n",
          {{1, "NOSEP", "", ""},
@@ -129,8 +130,10 @@ TEST(UpdateCheck, OffersOnlyANewerVersionAndOpensOnlyTheConfiguredPage) {
     };
     const QString none = R"(msgbox 0 "UpdateCheck" "No updates available. )"
                          R"(You have the latest version !" -> 1)";
-    const std::tuple<const char *, QByteArray, int, QString> cases[] = {
-        // the page, the answer to the question, the box shown
+    const QString failed = R"(msgbox 16 "W a r n i n g !" "Can't connect. Make sure url is )"
+                           R"(correct or even if host exists." -> 1)";
+    const std::tuple<const char *, std::optional<QString>, int, QString> cases[] = {
+        // the page (none: no server answered), the answer to the question, the box shown
         {"newer, yes", R"(<a href="http://elsewhere.example/">x</a><td>ZKR_MUF V1.31</td>)", 6,
          question("1.31", 6)},
         {"newer, no", "<td>ZKR_MUF V1.31</td>", 7, question("1.31", 7)},
@@ -139,46 +142,61 @@ TEST(UpdateCheck, OffersOnlyANewerVersionAndOpensOnlyTheConfiguredPage) {
         {"older", "<b>ZKR_MUF V1.29</b>", 0, none},
         {"no marker", "<b>ZKR_MUF 1.31</b>", 0, none},
         {"marker without <", "<b>ZKR_MUF V1.31", 0, none},
+        {"no answer is no news", std::nullopt, 0, failed},
     };
     for (const auto &[name, page, answer, box] : cases) {
         SCOPED_TRACE(name);
         ProgramState state;
         state.ProgramVersion = "1.30";
         state.CrLf = "\r\n";
-        state.UpdatePage_Url = "http://127.0.0.1:1/download.html";
         ScriptedPlatform platform;
+        QStringList fetched;
+        UpdateCheck::Done pending;
+        UpdateCheck check(state, platform, [&](const QString &url, UpdateCheck::Done done) {
+            fetched << url;
+            pending = std::move(done);
+        });
+        check.Check_Update_Interactive(); // no page configured: nothing to ask
+        EXPECT_TRUE(fetched.isEmpty());
+        state.UpdatePage_Url = "http://127.0.0.1:1/download.html";
+
         if (answer != 0) {
             platform.answerMessageBox(answer);
         }
-        QStringList fetched;
-        UpdateCheck check(state, platform, [&, page = page](const QString &url) {
-            fetched << url;
-            return QString::fromLatin1(page);
-        });
-
         check.Check_Update_Interactive();
+        check.Check_Update_Interactive(); // one check at a time
+        ASSERT_EQ(fetched.size(), 1);
+        EXPECT_TRUE(platform.log().isEmpty()) << "nothing before the page is there";
+        std::exchange(pending, nullptr)(page);
+        EXPECT_FALSE(check.isRunning());
         EXPECT_EQ(platform.log().mid(0, 3), QStringList({"beep 800 200", "arm centre", box}));
         EXPECT_EQ(platform.log().filter("openurl"),
                   answer == 6
                       ? QStringList{QString("openurl \"%1\" -> ok").arg(state.UpdatePage_Url)}
                       : QStringList());
 
-        // Unattended, only news is announced.
+        // In the background only news comes in a box; a failure is only said.
         platform.clearLog();
         platform.answerMessageBox(7);
         state.Msg_Title.clear();
-        EXPECT_EQ(check.Check_Update(), answer != 0);
+        QStringList reported;
+        check.checkInBackground([&](const QString &text) { reported << text; });
+        std::exchange(pending, nullptr)(page);
         EXPECT_EQ(platform.log().filter("msgbox").size(), answer != 0 ? 1 : 0);
+        EXPECT_EQ(reported,
+                  page ? QStringList() : QStringList{"Update check: no answer from 127.0.0.1"});
         EXPECT_EQ(fetched, QStringList(2, state.UpdatePage_Url));
     }
 }
 
 TEST(frmInfo, OpensItsLinksOrReportsFailure) {
     ProgramState state;
+    state.HomePage_Url = "https://home.test/";
+    state.ContactMail_Url = "mailto:op@home.test";
     const std::tuple<const char *, bool, QString, const char *> cases[] = {
-        {"lblHyperlink", true, site::HomePageUrl, nullptr},
-        {"lblHyperlink", false, site::HomePageUrl, "the default browser"},
-        {"lblEmaillink", false, site::ContactMailUrl, "the default email client"}};
+        {"lblHyperlink", true, state.HomePage_Url, nullptr},
+        {"lblHyperlink", false, state.HomePage_Url, "the default browser"},
+        {"lblEmaillink", false, state.ContactMail_Url, "the default email client"}};
     ScriptedPlatform platform;
     frmInfo info(state, platform);
     for (const auto &[link, opens, target, failure] : cases) {

@@ -169,7 +169,10 @@ struct ConsoleRig : test::ProgramRig {
     FrmTelnet own{state, platform, host};
     FrmTelnet *console = &own;
 
-    ConsoleRig() { state.Telnet_DebugFile = "Telnet_Debug_Datei.txt"; }
+    ConsoleRig() {
+        state.Telnet_DebugFile = "Telnet_Debug_Datei.txt";
+        state.Folders = ProgramFolders::find(platform);
+    }
     // The program in telnet mode, logged in at the cluster of this machine.
     void startProgram() {
         console = &window.sources().console();
@@ -349,7 +352,7 @@ TEST(SetupDialog, SavingSwitchesToTheSourceTheCallSignAsksFor) {
         {"new call", "DL1ABC", "DL2XYZ", "dl2xyz", "TELNETCLUSTER", true, 10, "DL2XYZ"},
         {"web to telnet", "!NOCALL!", "DL1ABC", "DL1ABC", "TELNETCLUSTER", false, 10, "DL1ABC"},
         {"web only", "DL1ABC", "!nocall!", nullptr, "WEBCLUSTER", false, 8, "!NOCALL!"},
-        {"file", "DL1ABC", "!file!", nullptr, "FILE", false, 10, "QQ7ZKR"},
+        {"file", "DL1ABC", "!file!", nullptr, "FILE", false, 10, "DL1ABC"}, // the call stays
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.name);
@@ -394,13 +397,12 @@ TEST(SetupDialog, SavingSwitchesToTheSourceTheCallSignAsksFor) {
     }
 }
 
-// A first start opens the dialog on the cluster list, then shows it once more, fresh.
-TEST(SetupDialog, FirstRunPicksAClusterFromTheListAndShowsTheDialogAgain) {
+// A first start opens the dialog on the cluster list once, and connects once.
+TEST(SetupDialog, FirstRunPicksAClusterFromTheListOnce) {
     SetupRig rig;
-    const QString listFile = rig.setup().clusterListPath();
-    test::writeBytes(listFile,
-                     QString("DX-Cluster|Host|Port\r\nGB7DJK|gb7djk.dxcluster.net|7300\r\n"
-                             "GB7TST|127.0.0.1|%1\r\n")
+    test::writeBytes(rig.folder.filePath("TelnetDXCluster.txt"),
+                     QString("DX-Cluster|Host|Port\nGB7DJK|gb7djk.dxcluster.net|7300\n"
+                             "GB7TST|127.0.0.1|%1\n") // edited on Linux
                          .arg(rig.node.port())
                          .toLatin1());
     rig.platform.answerInputBox(QString("dl1abc"));
@@ -412,30 +414,30 @@ TEST(SetupDialog, FirstRunPicksAClusterFromTheListAndShowsTheDialogAgain) {
         ++sessions;
         ASSERT_EQ(list->topLevelItemCount(), 2);
         EXPECT_TRUE(marked(0)); // the built-in cluster
+        EXPECT_FALSE(rig.field<QLabel>("Label_ClusterList")->isVisibleTo(&dialog));
         dialog.ListView1_ItemClick(list->topLevelItem(1));
         EXPECT_TRUE(!marked(0) && rig.green("Command_SaveConfig"));
         dialog.Command_SaveConfig_Click();
     });
     rig.window.Form_Load();
+    rig.window.show();
 
     EXPECT_EQ(sessions, 1);
-    EXPECT_EQ(rig.web.requestCount("/download.html"), 1); // the update check, once
-    EXPECT_TRUE(rig.setup().isVisible());                 // shown again after the start-up
-    EXPECT_EQ(rig.button("Command_ExitwWthoutSave")->text(), "&E X I T");
-    EXPECT_TRUE(marked(1) && !marked(0));
+    EXPECT_FALSE(rig.setup().isVisible());
     EXPECT_TRUE(rig.ini().contains(
         QString("Telnet_Call=GB7TST\r\nTelnet_Host=127.0.0.1\r\nTelnet_Port=%1\r\n")
             .arg(rig.node.port())));
-    EXPECT_TRUE(rig.ini().contains("[AutoUpdateCheck]\r\nUpdateCheck=on\r\n"));
-    EXPECT_TRUE(waitFor([&] { return rig.node.logins().contains("DL1ABC"); }));
-
-    // Opened again, the dialog reads the settings again: no second check.
-    rig.openSetup([](frmZKR_MUF_Setup &dialog) { dialog.Command_ExitwWthoutSave_Click(); });
-    EXPECT_EQ(rig.web.requestCount("/download.html"), 1); // no check without a change
+    EXPECT_TRUE(rig.ini().contains("[AutoUpdateCheck]\r\nUpdateCheck=off\r\n"));
+    EXPECT_TRUE(waitFor([&] { return rig.node.logins() == QStringList{"DL1ABC"}; }));
+    EXPECT_TRUE(
+        waitFor([&] { return rig.label("Label_Telnet_Status").startsWith("Settings in "); }));
+    EXPECT_EQ(rig.web.requestCount("/download.html"), 0); // no check unless asked for
+    EXPECT_TRUE(rig.platform.messages().isEmpty());
 }
 
-// Ticking the box stores it and checks at once; the button reports a failed fetch.
-TEST(SetupDialog, UpdateCheckOnTheBoxAndTheButton) {
+// The box is stored and checks at the next start, in the background: a failure
+// there is only said in the status. "Check now" says every outcome in a box.
+TEST(SetupDialog, UpdateCheckInTheBackgroundAtStartAndOnTheButton) {
     SetupRig rig;
     rig.start();
     rig.answer("/download.html", "<h2>ZKR_MUF V1.31</h2>");
@@ -446,17 +448,34 @@ TEST(SetupDialog, UpdateCheckOnTheBoxAndTheButton) {
             EXPECT_TRUE(
                 rig.ini().contains(QString("[AutoUpdateCheck]\r\nUpdateCheck=%1\r\n").arg(stored)));
         }
+        EXPECT_EQ(rig.web.requestCount("/download.html"), 0);
+        dialog.CommandButton_Check_for_Updates_Click();
+        EXPECT_FALSE(rig.button("CommandButton_Check_for_Updates")->isEnabled());
+        EXPECT_TRUE(waitFor([&] { return rig.platform.messages().size() == 1; }));
+        EXPECT_TRUE(rig.button("CommandButton_Check_for_Updates")->isEnabled());
         rig.state.UpdatePage_Url = "http://127.0.0.1:1/download.html";
         dialog.CommandButton_Check_for_Updates_Click();
+        EXPECT_TRUE(waitFor([&] { return rig.platform.messages().size() == 2; }));
         dialog.Command_ExitwWthoutSave_Click();
     });
     EXPECT_EQ(rig.platform.messages(),
               QStringList({"Version  V1.31  is available !  \r\nDo you want to open the download "
                            "page in your web browser ?\r\n",
-                           "Can't connect. Make sure url is correct or even if host exists.",
-                           "No updates available. You have the latest version !"}));
+                           "Can't connect. Make sure url is correct or even if host exists."}));
     EXPECT_EQ(rig.web.requestCount("/download.html"), 1);
     EXPECT_TRUE(rig.platform.log().filter("openurl").isEmpty());
+    EXPECT_FALSE(rig.label("Label_Telnet_Status").contains("Can't connect"));
+
+    // Switched on, an unreachable page at start: no box, a passing word in the status.
+    SetupRig again;
+    again.platform.setEnvironmentValue(site::DownloadPageUrlVariable,
+                                       "http://127.0.0.1:1/download.html");
+    again.start("DL1ABC", "on");
+    again.window.show();
+    EXPECT_TRUE(waitFor([&] {
+        return again.label("Label_Telnet_Status") == "Update check: no answer from 127.0.0.1";
+    }));
+    EXPECT_TRUE(again.platform.messages().isEmpty());
 }
 
 } // namespace

@@ -7,6 +7,7 @@
 #include "StartupWindow.h"
 
 #include <QFileInfo>
+#include <QTemporaryDir>
 
 namespace zkr {
 namespace {
@@ -24,7 +25,7 @@ QByteArray firstRunFile(const char *call) {
            site::DefaultClusterCall.toLatin1() +
            "\r\nTelnet_Host=" + site::DefaultClusterHost.toLatin1() +
            "\r\nTelnet_Port=" + site::DefaultClusterPort.toLatin1() +
-           "\r\n\r\n[AutoUpdateCheck]\r\nUpdateCheck=on\r\n\r\n";
+           "\r\n\r\n[AutoUpdateCheck]\r\nUpdateCheck=off\r\n\r\n";
 }
 
 // A settings file of this call using the cluster stored.example.net:23.
@@ -180,6 +181,7 @@ TEST(Startup, PlacesTheWindowAndSelectsTheTabSaved) {
 TEST(StartupSettings, FirstRunInAFolderNobodyMayWriteAsksOnceAndGoesOn) {
     StartupRig rig;
     rig.platform.setApplicationFolder("/proc");
+    rig.platform.setUserFolder(UserFolder::Config, "/proc/zkr_muf");
     for (const char *answer : {"dl1abc", "JO6", "jo62qm"}) {
         rig.platform.answerInputBox(QString(answer));
     }
@@ -193,8 +195,8 @@ TEST(StartupSettings, FirstRunInAFolderNobodyMayWriteAsksOnceAndGoesOn) {
                                                LocatorPrompt + R"("JO6")", Beep, Beep, Arm,
                                                LocatorPrompt + R"("jo62qm")"}));
     EXPECT_TRUE(rig.state.Settings_Created);
-    EXPECT_EQ(rig.setupEvents, QStringList({"Setup_Click", "autoupdate 1"}));
-    EXPECT_EQ(rig.state.IniFilePath, "/proc/zkr_muf.ini");
+    EXPECT_EQ(rig.setupEvents, QStringList({"Setup_Click", "autoupdate 0"}));
+    EXPECT_EQ(rig.state.IniFilePath, "/proc/zkr_muf/zkr_muf.ini");
     EXPECT_THROW(rig.settings.Save_Position_And_End(), ProgramEnded);
     EXPECT_FALSE(QFileInfo::exists(rig.state.IniFilePath));
 }
@@ -238,20 +240,62 @@ TEST(StartupSettings, OnlyAnOlderFileIsReplaced) {
         EXPECT_EQ(rig.platform.log(), QStringList({Beep, Arm, CallPrompt + R"("dk5xx")", Beep, Arm,
                                                    LocatorPrompt + "cancel"}));
         EXPECT_EQ(readBytes(rig.ini), firstRunFile("DK5XX"));
-        EXPECT_EQ(rig.setupEvents, QStringList({"autoupdate 0", "Setup_Click", "autoupdate 1"}));
+        EXPECT_EQ(rig.setupEvents, QStringList({"autoupdate 0", "Setup_Click", "autoupdate 0"}));
     }
 }
 
 TEST(StartupSettings, UpdateCheckValueSetsTheSetupBox) {
     const std::pair<const char *, const char *> cases[] = {
         {"UpdateCheck=on", "autoupdate 1"},  {"UpdateCheck = ON ", "autoupdate 1"},
-        {"UpdateCheck=", "autoupdate 1"},    {"", "autoupdate 1"},
-        {"updatecheck=Off", "autoupdate 0"}, {"UpdateCheck=yes", nullptr}};
+        {"UpdateCheck=", "autoupdate 0"},    {"", "autoupdate 0"},
+        {"updatecheck=Off", "autoupdate 0"}, {"UpdateCheck=yes", "autoupdate 0"}};
     for (const auto &[line, event] : cases) {
         StartupRig rig(QByteArray("[AutoUpdateCheck]\r\n") + line + "\r\n");
         rig.settings.Read_Settings();
-        EXPECT_EQ(rig.setupEvents, event ? QStringList{event} : QStringList()) << line;
+        EXPECT_EQ(rig.setupEvents, QStringList{event}) << line;
     }
+    // The settings file may name a download page; the environment's stays otherwise.
+    StartupRig rig("[AutoUpdateCheck]\r\nDownloadPage = http://mirror.test/dl \r\n");
+    rig.state.UpdatePage_Url = "http://env.test/";
+    rig.settings.Read_Settings();
+    EXPECT_EQ(rig.state.UpdatePage_Url, "http://mirror.test/dl");
+}
+
+// A writable program folder is a portable installation; otherwise the user's
+// folders hold the settings and records, and the user's cluster list comes
+// before the shipped one.
+TEST(ProgramFolders, PortableBesideTheProgramInstalledInTheUsersFolders) {
+    QTemporaryDir home;
+    ScriptedPlatform platform;
+    platform.setUserFolder(UserFolder::Config, home.filePath("config/zkr_muf"));
+    platform.setUserFolder(UserFolder::Data, home.filePath("data/zkr_muf"));
+
+    platform.setApplicationFolder(home.path());
+    ProgramFolders portable = ProgramFolders::find(platform);
+    EXPECT_TRUE(portable.portable);
+    EXPECT_EQ(portable.settings + "|" + portable.data, home.path() + "|" + home.path());
+    EXPECT_EQ(portable.clusterLists, QStringList{home.filePath("TelnetDXCluster.txt")});
+
+    platform.setApplicationFolder("/proc/self");
+    const ProgramFolders installed = ProgramFolders::find(platform);
+    EXPECT_FALSE(installed.portable);
+    EXPECT_EQ(installed.settings, home.filePath("config/zkr_muf"));
+    EXPECT_TRUE(QFileInfo(installed.data).isDir()) << "made for the first save";
+    EXPECT_EQ(
+        installed.clusterLists,
+        QStringList({home.filePath("data/zkr_muf/TelnetDXCluster.txt"),
+                     "/proc/share/zkr_muf/TelnetDXCluster.txt", "/proc/self/TelnetDXCluster.txt"}));
+    EXPECT_EQ(installed.clusterList(), "");
+    QFile own(installed.clusterLists[0]);
+    ASSERT_TRUE(own.open(QIODevice::WriteOnly));
+    own.close();
+    EXPECT_EQ(installed.clusterList(), installed.clusterLists[0]);
+
+    // Installed where this user may write (root, /usr/bin): still installed.
+    ASSERT_TRUE(QDir(home.path()).mkpath("usr/bin") &&
+                QDir(home.path()).mkpath("usr/share/zkr_muf"));
+    platform.setApplicationFolder(home.filePath("usr/bin"));
+    EXPECT_FALSE(ProgramFolders::find(platform).portable);
 }
 
 } // namespace

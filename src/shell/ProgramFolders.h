@@ -1,0 +1,33 @@
+#pragma once
+
+#include <QString>
+#include <QStringList>
+
+namespace zkr {
+
+class Platform;
+
+// Where the program keeps its files. A program folder the user can write to
+// is a portable installation: settings, records and the cluster list live
+// beside the executable, as they always did. An installed program (under
+// /usr, say) keeps them in the user's configuration and data folders and
+// reads the shipped cluster list from the installation's data folder.
+struct ProgramFolders {
+    static constexpr const char *ClusterListName = "TelnetDXCluster.txt";
+
+    bool portable = true;
+    QString settings; // folder of the settings file
+    QString data;     // records: debug file, history
+    // The cluster lists to try, the user's own first.
+    QStringList clusterLists;
+
+    // The folders for this installation; the user's folders are created.
+    static ProgramFolders find(Platform &platform);
+    // The first cluster list that exists, or "" when none does.
+    QString clusterList() const;
+    // Where the shipped files of an installation lie, relative to its
+    // program folder (bin/../share/zkr_muf).
+    static QString installedDataFolder(const QString &applicationFolder);
+};
+
+} // namespace zkr

@@ -29,6 +29,7 @@ QString cliUsage() {
         "  --json               print the panes as JSON, with the colour of every segment\n"
         "  --jsonl              print one JSON object per spot as soon as it is evaluated\n"
         "  -h, --help           print this help\n"
+        "  --version            print the version\n"
         "\n"
         "Exit status: 0 on success, 2 for bad arguments or an unreadable FILE.\n");
 }
@@ -46,18 +47,20 @@ std::variant<CliOptions, QString> parseCliOptions(const QStringList &arguments) 
                                      QStringLiteral("HOST:PORT"));
     const QCommandLineOption seconds(QStringLiteral("seconds"), QString(), QStringLiteral("N"));
     const QCommandLineOption help(QStringList{QStringLiteral("h"), QStringLiteral("help")});
+    const QCommandLineOption version(QStringLiteral("version"));
 
     QCommandLineParser parser;
     parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
-    parser.addOptions(
-        {locator, call, esOnly, over144, evalAll, web, json, jsonLines, cluster, seconds, help});
+    parser.addOptions({locator, call, esOnly, over144, evalAll, web, json, jsonLines, cluster,
+                       seconds, help, version});
     if (!parser.parse(arguments)) {
         return parser.errorText();
     }
 
     CliOptions options;
     options.help = parser.isSet(help);
-    if (options.help) {
+    options.version = parser.isSet(version);
+    if (options.help || options.version) {
         return options;
     }
     const QStringList files = parser.positionalArguments();

@@ -18,6 +18,7 @@ struct CliOptions {
     bool json = false;
     bool jsonLines = false; // one object per evaluated spot, as it is evaluated
     bool help = false;
+    bool version = false;
     QString fileName; // "" for standard input
     // A live cluster instead of a file: host and port, and how long to stay
     // (0: until SIGINT or SIGTERM).

@@ -2,6 +2,7 @@
 // a live cluster through the program's own feed and evaluation, and prints
 // the four panes (text or JSON) or every spot as a JSON line.
 
+#include "BuildInfo.h"
 #include "CliOptions.h"
 #include "CliReplay.h"
 #include "PaneOutput.h"
@@ -67,6 +68,10 @@ int main(int argc, char *argv[]) {
     const zkr::CliOptions &options = std::get<zkr::CliOptions>(parsed);
     if (options.help) {
         printTo(stdout, zkr::cliUsage());
+        return 0;
+    }
+    if (options.version) {
+        printTo(stdout, QStringLiteral("zkr_muf_cli %1\n").arg(QLatin1String(zkr::build::Version)));
         return 0;
     }
 

@@ -1,5 +1,6 @@
 #include "ProgramFolders.h"
 
+#include "BuildInfo.h"
 #include "Platform.h"
 
 #include <QDir>
@@ -45,7 +46,8 @@ QString ProgramFolders::clusterList() const {
 }
 
 QString ProgramFolders::installedDataFolder(const QString &applicationFolder) {
-    return QDir::cleanPath(applicationFolder + QStringLiteral("/../share/zkr_muf"));
+    return QDir::cleanPath(applicationFolder + QLatin1Char('/') +
+                           QLatin1String(build::DataDirFromBinDir));
 }
 
 } // namespace zkr

@@ -25,8 +25,8 @@ struct ProgramFolders {
     static ProgramFolders find(Platform &platform);
     // The first cluster list that exists, or "" when none does.
     QString clusterList() const;
-    // Where the shipped files of an installation lie, relative to its
-    // program folder (bin/../share/zkr_muf).
+    // Where the shipped files of an installation lie, from its program
+    // folder (bin/../share/zkr_muf).
     static QString installedDataFolder(const QString &applicationFolder);
 };
 

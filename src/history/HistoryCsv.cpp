@@ -106,7 +106,7 @@ std::optional<qint64> exportHistoryCsv(HistoryDatabase &database, const QDateTim
 
 std::optional<QDateTime> parseHistoryTime(const QString &text) {
     const QString trimmed = text.trimmed();
-    const QDate date = QDate::fromString(trimmed, Qt::ISODate);
+    const QDate date = QDate::fromString(trimmed, QStringLiteral("yyyy-MM-dd"));
     if (date.isValid()) {
         return QDateTime(date, QTime(0, 0), Qt::UTC);
     }

@@ -32,46 +32,36 @@ inline EvaluatedSpot historySpot(int i, const QDateTime &received) {
     return spot;
 }
 
-// RFC 4180 as a spreadsheet reads it: rows of fields, quoted fields may hold
-// commas, doubled quotes and line breaks; rows end in CR LF.
+// RFC 4180 as a spreadsheet reads it: quoted fields may hold commas,
+// doubled quotes and line breaks; rows end in CR LF. A bare quote or line
+// break, or text after a closing quote, makes it not well formed.
 inline std::vector<QStringList> parseCsv(const QString &text, bool *wellFormed) {
-    std::vector<QStringList> rows;
-    QStringList row;
+    std::vector<QStringList> rows(1);
     QString field;
-    bool quoted = false;
-    bool wasQuoted = false;
-    *wellFormed = true;
+    int quotes = 0; // 1 inside a quoted field, 2 after it
+    *wellFormed = text.endsWith(QLatin1String("\r\n"));
     for (qsizetype i = 0; i < text.size(); ++i) {
         const QChar c = text.at(i);
-        if (quoted) {
-            if (c == u'"' && i + 1 < text.size() && text.at(i + 1) == u'"') {
-                field += c;
+        const bool pair = i + 1 < text.size() && text.at(i + 1) == (c == u'"' ? u'"' : u'\n');
+        if (quotes == 1) {
+            quotes = c == u'"' && !pair ? 2 : 1;
+            field += c == u'"' && !pair ? QString() : QString(c);
+            i += c == u'"' && pair ? 1 : 0;
+        } else if (c == u',' || (c == u'\r' && pair)) {
+            rows.back().append(std::exchange(field, {}));
+            quotes = 0;
+            if (c == u'\r') {
+                rows.emplace_back();
                 ++i;
-            } else if (c == u'"') {
-                quoted = false;
-            } else {
-                field += c;
             }
-        } else if (c == u'"' && field.isEmpty() && !wasQuoted) {
-            quoted = wasQuoted = true;
-        } else if (c == u',') {
-            row.append(field);
-            field.clear();
-            wasQuoted = false;
-        } else if (c == u'\r' && i + 1 < text.size() && text.at(i + 1) == u'\n') {
-            row.append(field);
-            rows.push_back(row);
-            row.clear();
-            field.clear();
-            wasQuoted = false;
-            ++i;
-        } else if (c == u'"' || c == u'\r' || c == u'\n' || wasQuoted) {
-            *wellFormed = false; // a bare quote, a bare line break or text after a closing quote
+        } else if (c == u'"' && field.isEmpty() && quotes == 0) {
+            quotes = 1;
         } else {
+            *wellFormed = *wellFormed && c != u'"' && c != u'\r' && c != u'\n' && quotes == 0;
             field += c;
         }
     }
-    *wellFormed = *wellFormed && !quoted && field.isEmpty() && row.isEmpty();
+    rows.pop_back();
     return rows;
 }
 

@@ -1,4 +1,3 @@
-#include "HistoryCsv.h"
 #include "HistoryDatabase.h"
 #include "HistorySettings.h"
 #include "HistorySpots.h"
@@ -20,7 +19,6 @@
 
 using namespace zkr;
 using zkr::test::historySpot;
-using zkr::test::parseCsv;
 using zkr::test::waitFor;
 
 namespace {
@@ -184,7 +182,7 @@ TEST_F(HistoryTest, OldSpotsGoInBatchesAndNewerStay) {
     EXPECT_EQ(db.startOfNewest(5), Noon.addSecs(60 * 45).toMSecsSinceEpoch());
 }
 
-TEST_F(HistoryTest, StoreCommitsRestoresOldestFirstAndExportsCsv) {
+TEST_F(HistoryTest, StoreCommitsAndRestoresOldestFirst) {
     SpotStore store;
     QSignalSpy committed(&store, &SpotStore::committed);
     QSignalSpy finished(&store, &SpotStore::restoreFinished);
@@ -215,103 +213,21 @@ TEST_F(HistoryTest, StoreCommitsRestoresOldestFirstAndExportsCsv) {
             ASSERT_EQ(restored[i], written[static_cast<std::size_t>(skipped + i)]) << i;
         }
     }
-
-    QSignalSpy exported(&store, &SpotStore::exportFinished);
-    store.exportCsv(start.addMSecs(100), start.addMSecs(110), path("out.csv"));
-    ASSERT_TRUE(waitFor([&] { return !exported.isEmpty(); }));
-    EXPECT_EQ(exported.first().at(1).toLongLong(), 10);
-    bool wellFormed = false;
-    const std::vector<QStringList> rows =
-        parseCsv(QString::fromUtf8(readAll(path("out.csv"))), &wellFormed);
-    EXPECT_TRUE(wellFormed);
-    ASSERT_EQ(rows.size(), 11U);
-    const QStringList header = rows[0];
-    EXPECT_EQ(header.mid(0, 6), QStringList({"received_utc", "spot_time_utc", "source", "spotter",
-                                             "frequency_mhz", "dx"}));
-    for (std::size_t r = 1; r < rows.size(); ++r) {
-        const EvaluatedSpot &spot = written[99 + r];
-        ASSERT_EQ(rows[r].size(), header.size()) << r;
-        const auto column = [&](const char *name) { return rows[r].at(header.indexOf(name)); };
-        EXPECT_EQ(column("received_utc"), spot.received.toString(Qt::ISODate));
-        EXPECT_EQ(column("source"), "file");
-        EXPECT_EQ(column("dx"), spot.dxCall);
-        EXPECT_EQ(column("comment"), spot.comment.trimmed());
-        EXPECT_NEAR(column("frequency_mhz").toDouble(), spot.frequency, 1e-3);
-        EXPECT_EQ(column("line"), spot.line);
-        EXPECT_EQ(column("cloud"), spot.es ? spot.es->cloud : "");
-        EXPECT_EQ(column("muf_mhz").toDouble(), spot.es ? std::round(spot.es->muf * 100) / 100 : 0);
-        EXPECT_EQ(column("fot_mhz").toDouble(),
-                  spot.es ? std::round(spot.es->ownMuf * 100) / 100 : 0);
-    }
-}
-
-TEST_F(HistoryTest, SecondStoreOnTheFileSaysOnceWhyAndTakesNoSpots) {
-    SpotStore first;
-    first.open(path(), 30);
-    first.flush();
-    SpotStore second;
-    QSignalSpy unavailable(&second, &SpotStore::unavailable);
-    second.open(path(), 30);
-    second.flush();
-    ASSERT_TRUE(waitFor([&] { return !unavailable.isEmpty(); }));
-    EXPECT_TRUE(unavailable.first().at(0).toString().contains("in use"))
-        << unavailable.first().at(0).toString().toStdString();
-    EXPECT_FALSE(second.add(historySpot(0, Noon), "web"));
-    second.open(path(), 30);
-    second.flush();
-    QTest::qWait(50);
-    EXPECT_EQ(unavailable.size(), 1);
-}
-
-TEST(HistoryCsvTest, TimesOfTheRange) {
-    const struct {
-        const char *text;
-        QDateTime expected; // invalid: refused
-    } cases[] = {
-        {"2024-06-01T14:00Z", QDateTime(QDate(2024, 6, 1), QTime(14, 0), Qt::UTC)},
-        {"2024-06-01T14:00:30", QDateTime(QDate(2024, 6, 1), QTime(14, 0, 30), Qt::UTC)},
-        {"2024-06-01T16:00+02:00", QDateTime(QDate(2024, 6, 1), QTime(14, 0), Qt::UTC)},
-        {"2024-06-01", QDateTime(QDate(2024, 6, 1), QTime(0, 0), Qt::UTC)},
-        {"2024-13-01", {}},
-        {"14:00", {}},
-        {"yesterday", {}},
-    };
-    for (const auto &c : cases) {
-        const std::optional<QDateTime> parsed = parseHistoryTime(c.text);
-        EXPECT_EQ(parsed.has_value(), c.expected.isValid()) << c.text;
-        if (parsed && c.expected.isValid()) {
-            EXPECT_EQ(*parsed, c.expected) << c.text;
-            EXPECT_EQ(parsed->timeSpec(), Qt::UTC) << c.text;
-        }
-    }
 }
 
 TEST(HistorySettingsTest, SectionOfTheSettingsFile) {
     QTemporaryDir folder;
     const QString ini = folder.filePath("zkr_muf.ini");
-    const struct {
-        const char *retention, *restore, *database;
-        int retentionDays, restoreHours;
-        QString path;
-    } cases[] = {
-        {nullptr, nullptr, nullptr, 30, 2, "/data/history.sqlite"},
-        {"7", "0", "spots.db", 7, 0, folder.filePath("spots.db")},
-        {"-1", "two", "/var/h.sqlite", 30, 2, "/var/h.sqlite"},
-    };
-    for (const auto &c : cases) {
-        QFile::remove(ini);
-        const std::pair<const char *, const char *> keys[] = {
-            {"RetentionDays", c.retention}, {"RestoreHours", c.restore}, {"Database", c.database}};
-        for (const auto &[key, value] : keys) {
-            if (value != nullptr) {
-                Ini_Write("History", key, value, ini);
-            }
-        }
-        const HistorySettings settings = HistorySettings::read(ini, "/data");
-        EXPECT_EQ(settings.retentionDays, c.retentionDays) << c.retention;
-        EXPECT_EQ(settings.restoreHours, c.restoreHours) << c.restore;
-        EXPECT_EQ(settings.databasePath, c.path);
+    const HistorySettings defaults = HistorySettings::read(ini, "/data");
+    EXPECT_EQ(std::tuple(defaults.retentionDays, defaults.restoreHours, defaults.databasePath),
+              std::tuple(30, 2, QString("/data/history.sqlite")));
+    for (const auto &[key, value] :
+         {std::pair{"RetentionDays", "7"}, {"RestoreHours", "-1"}, {"Database", "spots.db"}}) {
+        Ini_Write("History", key, value, ini);
     }
+    const HistorySettings set = HistorySettings::read(ini, "/data");
+    EXPECT_EQ(std::tuple(set.retentionDays, set.restoreHours, set.databasePath),
+              std::tuple(7, 2, folder.filePath("spots.db")));
 }
 
 // SIGKILL in the middle of a 10,000 spots/s flood: the file is whole, and

@@ -1,5 +1,6 @@
 #include "CliOptions.h"
 
+#include "HistoryCsv.h"
 #include "Locators.h"
 
 #include <QCommandLineParser>
@@ -12,6 +13,7 @@ QString cliUsage() {
         "                   [--web] [--json | --jsonl] [FILE]\n"
         "       zkr_muf_cli --locator LOC --call CALL --cluster HOST:PORT [--seconds N]\n"
         "                   [--es-only] [--over144] [--eval-all] [--json | --jsonl]\n"
+        "       zkr_muf_cli --export-csv FROM TO [--db PATH]\n"
         "\n"
         "Replays recorded DX-cluster text (FILE, or standard input when FILE is missing\n"
         "or \"-\"), or listens to a live cluster, evaluates the spots for sporadic-E\n"
@@ -28,11 +30,43 @@ QString cliUsage() {
         "  --web                FILE is a downloaded web spot page, not cluster text\n"
         "  --json               print the panes as JSON, with the colour of every segment\n"
         "  --jsonl              print one JSON object per spot as soon as it is evaluated\n"
+        "  --export-csv FROM TO print the spot history received from FROM up to (not\n"
+        "                       including) TO as CSV; times in ISO 8601, UTC unless a zone\n"
+        "                       is given: 2024-06-01T14:00Z, 2024-06-01T16:00+02:00, or a\n"
+        "                       date alone for its midnight UTC\n"
+        "  --db PATH            the history file to export (default: the program's own)\n"
         "  -h, --help           print this help\n"
         "  --version            print the version\n"
         "\n"
-        "Exit status: 0 on success, 2 for bad arguments or an unreadable FILE.\n");
+        "Exit status: 0 on success, 1 when the history cannot be read, 2 for bad\n"
+        "arguments or an unreadable FILE.\n");
 }
+
+namespace {
+
+std::variant<CliOptions, QString> parseExport(const QString &from, const QStringList &rest,
+                                              const QString &database, CliOptions options) {
+    if (rest.size() != 1) {
+        return QStringLiteral("--export-csv needs FROM and TO, and nothing else");
+    }
+    const std::optional<QDateTime> start = parseHistoryTime(from);
+    const std::optional<QDateTime> end = parseHistoryTime(rest.front());
+    for (const auto &[time, text] : {std::pair{start, from}, {end, rest.front()}}) {
+        if (!time) {
+            return QStringLiteral("\"%1\" is no time (e.g. 2024-06-01T14:00Z)").arg(text);
+        }
+    }
+    if (!(*start < *end)) {
+        return QStringLiteral("FROM must lie before TO");
+    }
+    options.exportCsv = true;
+    options.exportFrom = *start;
+    options.exportTo = *end;
+    options.databasePath = database;
+    return options;
+}
+
+} // namespace
 
 std::variant<CliOptions, QString> parseCliOptions(const QStringList &arguments) {
     const QCommandLineOption locator(QStringLiteral("locator"), QString(), QStringLiteral("LOC"));
@@ -48,11 +82,14 @@ std::variant<CliOptions, QString> parseCliOptions(const QStringList &arguments) 
     const QCommandLineOption seconds(QStringLiteral("seconds"), QString(), QStringLiteral("N"));
     const QCommandLineOption help(QStringList{QStringLiteral("h"), QStringLiteral("help")});
     const QCommandLineOption version(QStringLiteral("version"));
+    const QCommandLineOption exportCsv(QStringLiteral("export-csv"), QString(),
+                                       QStringLiteral("FROM"));
+    const QCommandLineOption db(QStringLiteral("db"), QString(), QStringLiteral("PATH"));
 
     QCommandLineParser parser;
     parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
     parser.addOptions({locator, call, esOnly, over144, evalAll, web, json, jsonLines, cluster,
-                       seconds, help, version});
+                       seconds, help, version, exportCsv, db});
     if (!parser.parse(arguments)) {
         return parser.errorText();
     }
@@ -64,6 +101,12 @@ std::variant<CliOptions, QString> parseCliOptions(const QStringList &arguments) 
         return options;
     }
     const QStringList files = parser.positionalArguments();
+    if (parser.isSet(exportCsv)) {
+        return parseExport(parser.value(exportCsv), files, parser.value(db), options);
+    }
+    if (parser.isSet(db)) {
+        return QStringLiteral("--db goes with --export-csv");
+    }
     if (files.size() > 1) {
         return QStringLiteral("only one FILE can be replayed, got %1").arg(files.size());
     }

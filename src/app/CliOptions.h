@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QDateTime>
 #include <QString>
 #include <QStringList>
 
@@ -25,6 +26,12 @@ struct CliOptions {
     QString clusterHost;
     quint16 clusterPort = 0;
     int seconds = 0;
+    // --export-csv FROM TO: the spot history received in [FROM, TO) as CSV,
+    // from --db or the program's own history file.
+    bool exportCsv = false;
+    QDateTime exportFrom;
+    QDateTime exportTo;
+    QString databasePath;
 };
 
 // Reads the tool's command line (program name first). Returns the options,

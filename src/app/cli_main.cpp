@@ -5,11 +5,16 @@
 #include "BuildInfo.h"
 #include "CliOptions.h"
 #include "CliReplay.h"
+#include "HistoryCsv.h"
+#include "HistoryDatabase.h"
+#include "HistorySettings.h"
 #include "PaneOutput.h"
 
 #include <QCoreApplication>
+#include <QDir>
 #include <QFile>
 #include <QSocketNotifier>
+#include <QStandardPaths>
 
 #include <csignal>
 #include <cstdio>
@@ -57,6 +62,39 @@ void stopOnSignals(zkr::CliReplay &run, QObject *owner) {
     sigaction(SIGTERM, &action, nullptr);
 }
 
+// The history file of --db, else the one the program writes (its settings
+// file beside this tool may name another).
+QString historyPath(const zkr::CliOptions &options) {
+    if (!options.databasePath.isEmpty()) {
+        return options.databasePath;
+    }
+    const QString name = QCoreApplication::applicationName();
+    QCoreApplication::setApplicationName(QStringLiteral("ZKR_MUF"));
+    const QString dataFolder = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
+    QCoreApplication::setApplicationName(name);
+    return zkr::HistorySettings::read(
+               QDir(QCoreApplication::applicationDirPath()).filePath(QStringLiteral("zkr_muf.ini")),
+               dataFolder)
+        .databasePath;
+}
+
+int exportCsv(const zkr::CliOptions &options) {
+    zkr::HistoryDatabase database;
+    const QString path = historyPath(options);
+    if (!database.open(path, zkr::HistoryDatabase::Access::Reader)) {
+        printTo(stderr, QStringLiteral("zkr_muf_cli: %1\n").arg(database.errorString()));
+        return 1;
+    }
+    QFile out;
+    QString error;
+    if (!out.open(stdout, QIODevice::WriteOnly) ||
+        !zkr::exportHistoryCsv(database, options.exportFrom, options.exportTo, out, error)) {
+        printTo(stderr, QStringLiteral("zkr_muf_cli: export failed: %1\n").arg(error));
+        return 1;
+    }
+    return 0;
+}
+
 } // namespace
 
 int main(int argc, char *argv[]) {
@@ -73,6 +111,9 @@ int main(int argc, char *argv[]) {
     if (options.version) {
         printTo(stdout, QStringLiteral("zkr_muf_cli %1\n").arg(QLatin1String(zkr::build::Version)));
         return 0;
+    }
+    if (options.exportCsv) {
+        return exportCsv(options);
     }
 
     QFile out;

@@ -2,6 +2,7 @@
 #include "ProgramState.h"
 #include "QtPlatform.h"
 #include "RunTimeError.h"
+#include "SpotSources.h"
 #include "frmZKR_MUF.h"
 
 #include <QApplication>
@@ -67,6 +68,7 @@ int main(int argc, char *argv[]) {
     zkr::ProgramState state;
     zkr::QtPlatform platform;
     zkr::frmZKR_MUF window(state, platform);
+    window.sources().enableHistory();
     try {
         window.Form_Load();
     } catch (const zkr::RunTimeError &error) {

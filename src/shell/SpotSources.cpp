@@ -1,5 +1,6 @@
 #include "SpotSources.h"
 
+#include "HistorySettings.h"
 #include "MsgBox_Pos.h"
 #include "PaneView.h"
 #include "Platform.h"
@@ -44,6 +45,22 @@ SpotSources::SpotSources(ProgramState &state, Platform &platform, frmZKR_MUF &wi
     connectFeed(session_.feed());
     connectFeed(fileFeed_);
     connect(&pipeline_, &SpotPipeline::spotEvaluated, this, &SpotSources::onSpot);
+    connect(&history_, &SpotHistory::restored, this, &SpotSources::showRestored);
+    connect(&history_, &SpotHistory::released, this, [this](const QList<EvaluatedSpot> &spots) {
+        for (const EvaluatedSpot &spot : spots) {
+            showSpot(spot);
+        }
+    });
+    connect(&history_, &SpotHistory::statusMessage, this, [this](const QString &text) {
+        historyNote_ = QStringLiteral(" (no spot history)");
+        window_.setStatusLabel(text, Red);
+    });
+    connect(&history_, &SpotHistory::exportFinished, this,
+            [this](bool ok, qint64 rows, const QString &message) {
+                window_.setStatusLabel(ok ? QStringLiteral("Exported %1 spots").arg(rows)
+                                          : QStringLiteral("Export failed: ") + message,
+                                       ok ? White : Red);
+            });
     connect(&pipeline_, &SpotPipeline::pageStarted, this, [this] { writer_.beginPage(); });
     connect(&pipeline_, &SpotPipeline::pageFinished, this, [this](unsigned panesWithEs) {
         writer_.endPage(panesWithEs);
@@ -84,7 +101,12 @@ SpotSources::~SpotSources() {
 }
 
 void SpotSources::connectFeed(ClusterFeed &feed) {
-    connect(&feed, &ClusterFeed::spotLine, this, &SpotSources::onSpotLine);
+    connect(&feed, &ClusterFeed::spotLine, this, [this, &feed](const QString &line) {
+        currentSource_ = &feed == &fileFeed_            ? QStringLiteral("file")
+                         : state_.Telnet_Call.isEmpty() ? state_.Telnet_Host
+                                                        : state_.Telnet_Call;
+        onSpotLine(line);
+    });
     connect(&feed, &ClusterFeed::promptBlock, this, &SpotSources::onPrompt);
 }
 
@@ -155,7 +177,7 @@ void SpotSources::onSessionStatus(ClusterSession::State state, const QString &te
     const std::uint32_t colour = state == State::LoggedIn                                  ? Yellow
                                  : state == State::Connecting || state == State::Connected ? White
                                                                                            : Red;
-    window_.setStatusLabel(state == State::Idle ? NotConnectedText : text, colour);
+    window_.setStatusLabel((state == State::Idle ? NotConnectedText : text) + historyNote_, colour);
 }
 
 void SpotSources::onAttemptFailed() {
@@ -204,6 +226,12 @@ void SpotSources::onSpotLine(const QString &line) {
 }
 
 void SpotSources::onSpot(const EvaluatedSpot &spot) {
+    if (!history_.record(spot, currentSource_)) {
+        showSpot(spot);
+    }
+}
+
+void SpotSources::showSpot(const EvaluatedSpot &spot) {
     writer_.writeSpot(spot);
     window_.refreshPanes();
     window_.showLastSpot(spot.received);
@@ -239,6 +267,47 @@ void SpotSources::reevaluateRecent() {
         }
     }
     window_.refreshPanes();
+}
+
+// --- Spot history ---
+
+void SpotSources::startHistory() {
+    if (!historyEnabled_ || history_.isStarted()) {
+        return;
+    }
+    // A web page replaces the panes every minute: there the restored spots
+    // only go to those who subscribe to the history.
+    const bool intoPanes = state_.RunMode != WebMode;
+    if (!intoPanes) {
+        disconnect(&history_, &SpotHistory::restored, this, &SpotSources::showRestored);
+    }
+    history_.start(
+        HistorySettings::read(state_.IniFilePath, platform_.userFolder(UserFolder::Data)),
+        intoPanes);
+}
+
+void SpotSources::showRestored(const QList<EvaluatedSpot> &spots) {
+    // As printed when they came, whatever the filters say now.
+    for (const EvaluatedSpot &spot : spots) {
+        writer_.writeSpot(spot);
+    }
+    window_.refreshPanes();
+}
+
+void SpotSources::exportHistory(int hours) {
+    FileDialogRequest request;
+    request.title = QStringLiteral("Export the spot history");
+    request.filter = QStringLiteral("CSV files (*.csv)|*.csv|all files (*.*)|*.*");
+    request.initialFolder = platform_.userFolder(UserFolder::Data);
+    request.save = true;
+    const QString chosen = platform_.openFileDialog(request);
+    if (chosen.isEmpty()) {
+        return;
+    }
+    const QDateTime now = QDateTime::currentDateTimeUtc();
+    history_.exportCsv(hours > 0 ? now.addSecs(-3600LL * hours)
+                                 : QDateTime::fromMSecsSinceEpoch(0, Qt::UTC),
+                       now.addSecs(1), chosen);
 }
 
 // --- Recorded file ---
@@ -299,6 +368,7 @@ void SpotSources::onPage(const QString &page) {
     state_.SpotPage_Previous = page;
     state_.SpotPage_Lines = Split_SpotPage(Strip_Tags(page));
     applyAnalysisSettings();
+    currentSource_ = QStringLiteral("web");
     pipeline_.evaluatePage(state_.SpotPage_Lines);
     window_.hideWorkLabel();
 }

@@ -5,6 +5,7 @@
 #include "FileReplay.h"
 #include "FrmTelnet.h"
 #include "PaneWriter.h"
+#include "SpotHistory.h"
 #include "SpotPipeline.h"
 #include "WebClient.h"
 
@@ -61,6 +62,16 @@ public:
     // The analysis settings from the program state and the filter boxes.
     void applyAnalysisSettings();
 
+    // The spot history: on only where the program enables it (tests of
+    // other parts start with empty panes). Started once, after the
+    // settings are read; closed (everything committed) when the program ends.
+    void enableHistory() { historyEnabled_ = true; }
+    void startHistory();
+    void closeHistory() { history_.close(); }
+    SpotHistory &history() { return history_; }
+    // Asks where to write the spots of the last `hours` (0: all) as CSV.
+    void exportHistory(int hours);
+
     // The telnet console, loaded (not shown) on first use.
     FrmTelnet &console();
     void showConsole();
@@ -76,6 +87,8 @@ public:
 private:
     void onSpotLine(const QString &line);
     void onSpot(const EvaluatedSpot &spot);
+    void showSpot(const EvaluatedSpot &spot);
+    void showRestored(const QList<EvaluatedSpot> &spots);
     void onPrompt(const QString &block);
     void onSessionStatus(ClusterSession::State state, const QString &text);
     void onAttemptFailed();
@@ -102,6 +115,12 @@ private:
     qsizetype replayedSpots_ = 0; // spots since the last replay began
     bool reportFailure_ = false;
     QString lastReportedError_;
+    SpotHistory history_;
+    bool historyEnabled_ = false;
+    // Where the spots being evaluated come from, as the history names it.
+    QString currentSource_;
+    // Added to the session status once the history is off.
+    QString historyNote_;
     // A window of its own, like the main window, not one inside it.
     std::unique_ptr<FrmTelnet> console_;
 };

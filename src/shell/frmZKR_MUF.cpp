@@ -24,6 +24,7 @@
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QMenu>
 #include <QMouseEvent>
 #include <QPushButton>
 #include <QScreen>
@@ -154,6 +155,22 @@ void frmZKR_MUF::buildControls() {
     copyAction_->setShortcutContext(Qt::WindowShortcut);
     addAction(copyAction_);
 
+    // The spot history goes out as CSV from the panes' context menu.
+    exportAction_ = new QAction(QStringLiteral("Export spot history (CSV)"), this);
+    exportAction_->setObjectName(QStringLiteral("exportAction"));
+    auto *ranges = new QMenu(this);
+    for (const auto &[caption, hours] : {std::pair{"last hour...", 1},
+                                         {"last 24 hours...", 24},
+                                         {"last 7 days...", 24 * 7},
+                                         {"everything...", 0}}) {
+        QAction *range = ranges->addAction(QLatin1String(caption));
+        range->setObjectName(QStringLiteral("exportHours%1").arg(hours));
+        connect(range, &QAction::triggered, this, [this, hours = hours] {
+            runHandler([this, hours] { sources_->exportHistory(hours); });
+        });
+    }
+    exportAction_->setMenu(ranges);
+
     SSTab1_ = new QTabWidget(central);
     SSTab1_->setObjectName(QStringLiteral("SSTab1"));
     const std::array<const char *, PaneCount> captions{"All", "VHF", "2m", "Es"};
@@ -206,6 +223,7 @@ PaneView *frmZKR_MUF::createPane(QWidget *parent, MemoryPane &source) {
     pane->setSource(&source);
     pane->setContextMenuPolicy(Qt::ActionsContextMenu);
     pane->addAction(copyAction_);
+    pane->addAction(exportAction_);
     return pane;
 }
 
@@ -342,6 +360,8 @@ void frmZKR_MUF::layoutInitial() {
 }
 
 void frmZKR_MUF::layoutByMode() {
+    // Before the source starts, so that restored spots lie below live ones.
+    sources_->startHistory();
     applyColours();
     applyModeSettings(true);
     // A first run has shown the setup already, while creating the settings.
@@ -510,6 +530,8 @@ void frmZKR_MUF::unloadAllWindows() {
         info_->close();
     }
     sources_->unloadConsole();
+    // The process ends right after: the last spots go to disk now.
+    sources_->closeHistory();
     close();
 }
 

@@ -190,6 +190,7 @@ private:
     QLabel *Label_OwnLocator_ = nullptr;
     QLabel *Label2_ = nullptr;
     QAction *copyAction_ = nullptr;
+    QAction *exportAction_ = nullptr;
 };
 
 } // namespace zkr

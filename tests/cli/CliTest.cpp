@@ -1,3 +1,5 @@
+#include "HistoryDatabase.h"
+#include "HistorySpots.h"
 #include "LocalClusterServer.h"
 #include "QtPrinters.h"
 #include "WaitFor.h"
@@ -314,3 +316,49 @@ TEST_F(CliTest, HelpOrStatusTwoForWrongArgumentsAndUnreadableFiles) {
 }
 
 } // namespace
+
+TEST_F(CliTest, ExportCsvWritesTheRangeOfAHistoryFile) {
+    const QString db = folder.filePath("history.sqlite");
+    {
+        zkr::HistoryDatabase history;
+        ASSERT_TRUE(history.open(db, zkr::HistoryDatabase::Access::Writer));
+        const QDateTime start(QDate(2024, 6, 1), QTime(13, 0), Qt::UTC);
+        for (int i = 0; i < 180; ++i) { // one spot a minute, 13:00 to 15:59
+            ASSERT_TRUE(history.insert(zkr::test::historySpot(i, start.addSecs(60 * i)), "GB7DJK"));
+        }
+    }
+    const struct {
+        QStringList arguments;
+        int exitCode;
+        int rows; // data rows; the first is spot `first`
+        int first;
+    } cases[] = {
+        {{"--export-csv", "2024-06-01T14:00Z", "2024-06-01T14:30Z", "--db", db}, 0, 30, 60},
+        {{"--export-csv", "2024-06-01T16:00+02:00", "2024-06-02", "--db", db}, 0, 120, 60},
+        {{"--export-csv", "2024-06-02", "2024-06-03", "--db", db}, 0, 0, 0},
+        {{"--export-csv", "2024-06-01T15:00Z", "2024-06-01T14:00Z", "--db", db}, 2, -1, 0},
+        {{"--export-csv", "today", "2024-06-01", "--db", db}, 2, -1, 0},
+        {{"--export-csv", "2024-06-01", "--db", db}, 2, -1, 0},
+        {{"--db", db}, 2, -1, 0},
+        {{"--export-csv", "2024-06-01", "2024-06-02", "--db", folder.filePath("none")}, 1, -1, 0},
+    };
+    for (const auto &c : cases) {
+        const Result r = runCli(c.arguments);
+        EXPECT_EQ(r.exitCode, c.exitCode)
+            << c.arguments.join(" ").toStdString() << r.err.toStdString();
+        if (c.rows < 0) {
+            EXPECT_FALSE(r.err.isEmpty());
+            continue;
+        }
+        bool wellFormed = false;
+        const std::vector<QStringList> rows = zkr::test::parseCsv(r.out, &wellFormed);
+        EXPECT_TRUE(wellFormed);
+        ASSERT_EQ(static_cast<int>(rows.size()), c.rows + 1) << c.arguments.join(" ").toStdString();
+        EXPECT_EQ(rows[0].size(), 21);
+        if (c.rows > 0) {
+            EXPECT_EQ(rows[1].at(rows[0].indexOf("dx")),
+                      zkr::test::historySpot(c.first, {}).dxCall);
+        }
+    }
+    EXPECT_FALSE(QFile::exists(folder.filePath("none")));
+}

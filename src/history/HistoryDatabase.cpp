@@ -1,0 +1,409 @@
+#include "HistoryDatabase.h"
+
+#include <QCryptographicHash>
+#include <QDir>
+#include <QFileInfo>
+#include <QLockFile>
+#include <QSqlDatabase>
+#include <QSqlError>
+#include <QSqlQuery>
+#include <QtEndian>
+
+#include <algorithm>
+#include <atomic>
+#include <limits>
+
+namespace zkr {
+
+namespace {
+
+// Marks a file as ours in its header ("ZKRM"), so that a path pointing at
+// any other database is refused instead of altered.
+constexpr qint64 ApplicationId = 0x5A4B524D;
+constexpr int SchemaVersion = 1;
+
+const QString Columns = QStringLiteral(
+    "received, spot_minute, line_key, source, line, spotter, frequency, dx, comment, time, "
+    "tail1, tail2, locator1, locator2, mode, cloud, muf, critical, own_muf, azimuth, elevation, "
+    "far, path_km, own_km, panes, es_printed, error, printed, colours");
+
+QString nextConnectionName() {
+    static std::atomic<int> counter{0};
+    return QStringLiteral("zkr_history_%1").arg(counter.fetch_add(1));
+}
+
+QSqlDatabase database(const QString &name) {
+    return QSqlDatabase::database(name, false);
+}
+
+// Which lines are repeats: a web page that shows a spot again, or a file
+// replayed again. 64 bits of SHA-1 keep the unique index small.
+qint64 lineKey(const QString &source, const QString &line) {
+    QCryptographicHash hash(QCryptographicHash::Sha1);
+    hash.addData(source.toUtf8());
+    hash.addData(QByteArrayView("\n", 1));
+    hash.addData(line.toUtf8());
+    return qFromBigEndian<qint64>(hash.result().constData());
+}
+
+void appendVarint(QByteArray &out, quint64 value) {
+    while (value >= 0x80) {
+        out.append(static_cast<char>((value & 0x7F) | 0x80));
+        value >>= 7;
+    }
+    out.append(static_cast<char>(value));
+}
+
+bool readVarint(const QByteArray &in, qsizetype &pos, quint64 &value) {
+    value = 0;
+    for (int shift = 0; pos < in.size() && shift < 64; shift += 7) {
+        const auto byte = static_cast<quint8>(in.at(pos++));
+        value |= static_cast<quint64>(byte & 0x7F) << shift;
+        if ((byte & 0x80) == 0) {
+            return true;
+        }
+    }
+    return false;
+}
+
+// The printed runs as one text and (length, colour) pairs. The text mostly
+// starts with the spot's line, which is stored once: flag byte 1.
+struct PrintedRuns {
+    QString text;
+    QByteArray colours;
+};
+
+PrintedRuns encodeRuns(const EvaluatedSpot &spot) {
+    PrintedRuns out;
+    for (const TextRun &run : spot.runs) {
+        out.text += run.text;
+        appendVarint(out.colours, static_cast<quint64>(run.text.size()));
+        appendVarint(out.colours, run.colour);
+    }
+    const bool linePrefix = !spot.line.isEmpty() && out.text.startsWith(spot.line);
+    if (linePrefix) {
+        out.text.remove(0, spot.line.size());
+    }
+    out.colours.prepend(linePrefix ? '\1' : '\0');
+    return out;
+}
+
+bool decodeRuns(const QString &line, const QString &stored, const QByteArray &colours,
+                QList<TextRun> &runs) {
+    if (colours.isEmpty()) {
+        return false;
+    }
+    const QString text = colours.at(0) == '\1' ? line + stored : stored;
+    qsizetype pos = 1;
+    qsizetype offset = 0;
+    while (pos < colours.size()) {
+        quint64 length = 0;
+        quint64 colour = 0;
+        if (!readVarint(colours, pos, length) || !readVarint(colours, pos, colour) ||
+            length > static_cast<quint64>(text.size() - offset)) {
+            return false;
+        }
+        const auto size = static_cast<qsizetype>(length);
+        runs.append(TextRun{text.mid(offset, size), static_cast<std::uint32_t>(colour)});
+        offset += size;
+    }
+    return offset == text.size();
+}
+
+QVariant optionalText(const std::optional<EsPath> &es, QString EsPath::*field) {
+    return es ? QVariant((*es).*field) : QVariant();
+}
+
+QVariant optionalNumber(const std::optional<EsPath> &es, double EsPath::*field) {
+    return es ? QVariant((*es).*field) : QVariant();
+}
+
+} // namespace
+
+HistoryDatabase::HistoryDatabase() : connection_(nextConnectionName()) {}
+
+HistoryDatabase::~HistoryDatabase() {
+    close();
+}
+
+bool HistoryDatabase::isOpen() const {
+    return database(connection_).isOpen();
+}
+
+void HistoryDatabase::close() {
+    insert_.reset();
+    if (QSqlDatabase::contains(connection_)) {
+        {
+            QSqlDatabase db = database(connection_);
+            db.close();
+        }
+        QSqlDatabase::removeDatabase(connection_);
+    }
+    lock_.reset();
+}
+
+bool HistoryDatabase::fail(Failure failure, const QString &what) {
+    failure_ = failure;
+    error_ = what;
+    if (failure != Failure::None) {
+        close();
+    }
+    return false;
+}
+
+bool HistoryDatabase::exec(const QString &sql) {
+    QSqlQuery query(database(connection_));
+    if (!query.exec(sql)) {
+        error_ = query.lastError().text();
+        return false;
+    }
+    return true;
+}
+
+bool HistoryDatabase::open(const QString &path, Access access) {
+    close();
+    failure_ = Failure::None;
+    error_.clear();
+    const QFileInfo file(path);
+    if (file.exists() && !file.isFile()) {
+        return fail(Failure::CannotOpen, QStringLiteral("%1 is not a file").arg(path));
+    }
+    if (access == Access::Reader && !file.exists()) {
+        return fail(Failure::CannotOpen, QStringLiteral("%1 does not exist").arg(path));
+    }
+    if (access == Access::Writer) {
+        if (!QDir().mkpath(file.absolutePath())) {
+            return fail(Failure::CannotOpen,
+                        QStringLiteral("cannot create the folder %1").arg(file.absolutePath()));
+        }
+        lock_ = std::make_unique<QLockFile>(path + QStringLiteral(".lock"));
+        // Never stale by age: a program may write for weeks. A lock left by
+        // a crashed or killed program is taken over (its process is gone).
+        lock_->setStaleLockTime(0);
+        if (!lock_->tryLock(0)) {
+            const bool held = lock_->error() == QLockFile::LockFailedError;
+            lock_.reset();
+            return fail(held ? Failure::Locked : Failure::CannotOpen,
+                        held ? QStringLiteral("%1 is in use by another ZKR_MUF").arg(path)
+                             : QStringLiteral("cannot lock %1").arg(path));
+        }
+    }
+    {
+        QSqlDatabase db = QSqlDatabase::addDatabase(QStringLiteral("QSQLITE"), connection_);
+        db.setDatabaseName(path);
+        if (!db.open()) {
+            return fail(Failure::CannotOpen, db.lastError().text());
+        }
+    }
+    exec(QStringLiteral("PRAGMA busy_timeout=2000"));
+    QSqlQuery query(database(connection_));
+    if (!query.exec(QStringLiteral("PRAGMA application_id")) || !query.next()) {
+        return fail(Failure::Damaged, query.lastError().text());
+    }
+    const qint64 id = query.value(0).toLongLong();
+    if (!query.exec(QStringLiteral("SELECT count(*) FROM sqlite_master")) || !query.next()) {
+        return fail(Failure::Damaged, query.lastError().text());
+    }
+    const bool empty = query.value(0).toLongLong() == 0;
+    query.finish();
+    if (id != ApplicationId && !(id == 0 && empty && access == Access::Writer)) {
+        return fail(Failure::Damaged, QStringLiteral("%1 is no spot history").arg(path));
+    }
+    if (access == Access::Writer) {
+        // WAL with NORMAL: a commit survives a killed program without
+        // waiting for the disk; a power cut loses at most the last commits.
+        if (!query.exec(QStringLiteral("PRAGMA journal_mode=WAL")) || !query.next() ||
+            query.value(0).toString() != QLatin1String("wal")) {
+            return fail(Failure::Damaged, query.lastError().text());
+        }
+        query.finish();
+        const bool created =
+            exec(QStringLiteral("PRAGMA synchronous=NORMAL")) && begin() &&
+            exec(QStringLiteral(
+                "CREATE TABLE IF NOT EXISTS spot (id INTEGER PRIMARY KEY, received INTEGER NOT "
+                "NULL, spot_minute INTEGER NOT NULL, line_key INTEGER NOT NULL, source TEXT NOT "
+                "NULL, line TEXT NOT NULL, spotter TEXT, frequency REAL, dx TEXT, comment TEXT, "
+                "time TEXT, tail1 TEXT, tail2 TEXT, locator1 TEXT, locator2 TEXT, mode TEXT, "
+                "cloud TEXT, muf REAL, critical REAL, own_muf REAL, azimuth REAL, elevation "
+                "REAL, far TEXT, path_km REAL, own_km REAL, panes INTEGER, es_printed INTEGER, "
+                "error TEXT, printed TEXT, colours BLOB)")) &&
+            exec(QStringLiteral("CREATE UNIQUE INDEX IF NOT EXISTS spot_repeat ON spot "
+                                "(spot_minute, line_key)")) &&
+            exec(QStringLiteral("CREATE INDEX IF NOT EXISTS spot_received ON spot (received)")) &&
+            exec(QStringLiteral("PRAGMA application_id=%1").arg(ApplicationId)) &&
+            exec(QStringLiteral("PRAGMA user_version=%1").arg(SchemaVersion)) && commit();
+        if (!created) {
+            return fail(Failure::Damaged, error_);
+        }
+    }
+    // Reads the table once, so that a damaged one shows now, not later.
+    if (!query.exec(QStringLiteral("SELECT max(id) FROM spot"))) {
+        return fail(Failure::Damaged, query.lastError().text());
+    }
+    return true;
+}
+
+bool HistoryDatabase::begin() {
+    return exec(QStringLiteral("BEGIN"));
+}
+
+bool HistoryDatabase::commit() {
+    return exec(QStringLiteral("COMMIT"));
+}
+
+bool HistoryDatabase::insert(const EvaluatedSpot &spot, const QString &source) {
+    if (insert_ == nullptr) {
+        // Prepared once: a flood inserts thousands a second.
+        insert_ = std::make_unique<QSqlQuery>(database(connection_));
+        if (!insert_->prepare(QStringLiteral("INSERT OR IGNORE INTO spot (") + Columns +
+                              QStringLiteral(") VALUES (?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,"
+                                             "?,?,?,?,?,?,?,?,?)"))) {
+            error_ = insert_->lastError().text();
+            insert_.reset();
+            return false;
+        }
+    }
+    QSqlQuery &query = *insert_;
+    const QDateTime made = spot.spotTimeUtc();
+    const PrintedRuns printed = encodeRuns(spot);
+    const std::optional<EsPath> &es = spot.es;
+    const QVariantList values{spot.received.toMSecsSinceEpoch(),
+                              made.isValid() ? made.toSecsSinceEpoch() / 60 : 0,
+                              lineKey(source, spot.line),
+                              source,
+                              spot.line,
+                              spot.spotter,
+                              static_cast<double>(spot.frequency),
+                              spot.dxCall,
+                              spot.comment,
+                              spot.time,
+                              spot.tail1,
+                              spot.tail2,
+                              spot.locator1,
+                              spot.locator2,
+                              spot.mode,
+                              optionalText(es, &EsPath::cloud),
+                              optionalNumber(es, &EsPath::muf),
+                              optionalNumber(es, &EsPath::critical),
+                              optionalNumber(es, &EsPath::ownMuf),
+                              optionalNumber(es, &EsPath::azimuth),
+                              optionalNumber(es, &EsPath::elevation),
+                              optionalText(es, &EsPath::far),
+                              optionalNumber(es, &EsPath::pathKm),
+                              optionalNumber(es, &EsPath::ownKm),
+                              spot.panes,
+                              spot.esResultPrinted ? 1 : 0,
+                              spot.error.isEmpty() ? QVariant() : QVariant(spot.error),
+                              printed.text,
+                              printed.colours};
+    for (int i = 0; i < values.size(); ++i) {
+        query.bindValue(i, values.at(i));
+    }
+    if (!query.exec()) {
+        error_ = query.lastError().text();
+        return false;
+    }
+    return true;
+}
+
+bool HistoryDatabase::read(
+    qint64 fromMs, qint64 toMs,
+    const std::function<bool(const EvaluatedSpot &, const QString &source)> &visit) {
+    QSqlQuery query(database(connection_));
+    query.setForwardOnly(true);
+    query.prepare(QStringLiteral("SELECT ") + Columns +
+                  QStringLiteral(" FROM spot WHERE received >= ? AND received < ? "
+                                 "ORDER BY received, id"));
+    query.addBindValue(fromMs);
+    query.addBindValue(toMs);
+    if (!query.exec()) {
+        error_ = query.lastError().text();
+        return false;
+    }
+    while (query.next()) {
+        EvaluatedSpot spot;
+        spot.received = QDateTime::fromMSecsSinceEpoch(query.value(0).toLongLong(), Qt::UTC);
+        const QString source = query.value(3).toString();
+        spot.line = query.value(4).toString();
+        spot.spotter = query.value(5).toString();
+        spot.frequency = static_cast<float>(query.value(6).toDouble());
+        spot.dxCall = query.value(7).toString();
+        spot.comment = query.value(8).toString();
+        spot.time = query.value(9).toString();
+        spot.tail1 = query.value(10).toString();
+        spot.tail2 = query.value(11).toString();
+        spot.locator1 = query.value(12).toString();
+        spot.locator2 = query.value(13).toString();
+        spot.mode = query.value(14).toString();
+        if (!query.isNull(15)) {
+            spot.es = EsPath{
+                query.value(15).toString(), query.value(16).toDouble(), query.value(17).toDouble(),
+                query.value(18).toDouble(), query.value(19).toDouble(), query.value(20).toDouble(),
+                query.value(21).toString(), query.value(22).toDouble(), query.value(23).toDouble()};
+        }
+        spot.panes = query.value(24).toUInt();
+        spot.esResultPrinted = query.value(25).toInt() != 0;
+        spot.error = query.value(26).toString();
+        if (!decodeRuns(spot.line, query.value(27).toString(), query.value(28).toByteArray(),
+                        spot.runs)) {
+            // A row whose runs do not add up prints nothing rather than garbage.
+            spot.runs.clear();
+            spot.panes = 0;
+        }
+        if (!visit(spot, source)) {
+            break;
+        }
+    }
+    if (query.lastError().isValid()) {
+        error_ = query.lastError().text();
+        return false;
+    }
+    return true;
+}
+
+qint64 HistoryDatabase::prune(qint64 beforeMs, int limit) {
+    QSqlQuery query(database(connection_));
+    query.prepare(QStringLiteral("DELETE FROM spot WHERE id IN (SELECT id FROM spot WHERE "
+                                 "received < ? ORDER BY received LIMIT ?)"));
+    query.addBindValue(beforeMs);
+    query.addBindValue(limit);
+    if (!query.exec()) {
+        error_ = query.lastError().text();
+        return -1;
+    }
+    return query.numRowsAffected();
+}
+
+qint64 HistoryDatabase::startOfNewest(qint64 n) {
+    QSqlQuery query(database(connection_));
+    query.prepare(QStringLiteral("SELECT received FROM spot ORDER BY received DESC LIMIT 1 "
+                                 "OFFSET ?"));
+    query.addBindValue(std::max<qint64>(n - 1, 0));
+    if (n <= 0 || !query.exec() || !query.next()) {
+        return std::numeric_limits<qint64>::min();
+    }
+    return query.value(0).toLongLong();
+}
+
+qint64 HistoryDatabase::count() {
+    QSqlQuery query(database(connection_));
+    if (!query.exec(QStringLiteral("SELECT count(*) FROM spot")) || !query.next()) {
+        error_ = query.lastError().text();
+        return -1;
+    }
+    return query.value(0).toLongLong();
+}
+
+QString HistoryDatabase::integrityCheck() {
+    QSqlQuery query(database(connection_));
+    if (!query.exec(QStringLiteral("PRAGMA integrity_check"))) {
+        return query.lastError().text();
+    }
+    QStringList found;
+    while (query.next()) {
+        found.append(query.value(0).toString());
+    }
+    return found.join(QLatin1Char('\n'));
+}
+
+} // namespace zkr

@@ -1,0 +1,114 @@
+#include "HistoryDatabase.h"
+#include "HistorySpots.h"
+#include "ShellFakes.h"
+#include "SpotStore.h"
+
+#include <QAction>
+#include <QMenu>
+
+#include <gtest/gtest.h>
+
+#include <memory>
+
+using namespace zkr;
+using namespace zkr::test;
+
+namespace {
+
+QByteArray spotLines(int from, int count) {
+    QByteArray bytes;
+    for (int i = from; i < from + count; ++i) {
+        bytes += historySpot(i, {}).line.toLatin1().prepend("DX de ") + "\r\n";
+    }
+    return bytes;
+}
+
+// The program with its history in `data`, replaying nothing, so that only
+// the spots a test feeds reach the panes.
+std::unique_ptr<ProgramRig> startWithHistory(const QString &data) {
+    auto rig = std::make_unique<ProgramRig>();
+    rig->platform.setUserFolder(UserFolder::Data, data);
+    rig->platform.setCommandLine("/FILE");
+    rig->window.sources().enableHistory();
+    rig->start();
+    return rig;
+}
+
+struct PaneContent {
+    QString text;
+    std::vector<QList<ColourRun>> runs;
+    friend bool operator==(const PaneContent &, const PaneContent &) = default;
+};
+
+PaneContent content(ProgramRig &rig, int pane) {
+    MemoryPane &memory = rig.window.workingPane(pane);
+    PaneContent out{rig.pane(pane), {}};
+    for (std::int64_t i = 0; i < memory.lineCount(); ++i) {
+        out.runs.push_back(memory.line(i).runs);
+    }
+    return out;
+}
+
+} // namespace
+
+TEST(HistoryWindowTest, RestartShowsWhatWasStoredAndLiveSpotsOnTop) {
+    QTemporaryDir data;
+    std::array<PaneContent, 4> before;
+    {
+        auto first = startWithHistory(data.path());
+        first->window.sources().session().feed().receive(spotLines(0, 40));
+        ASSERT_TRUE(waitFor([&] { return first->window.workingPane(0).lineCount() >= 40; }));
+        for (int i = 0; i < 4; ++i) {
+            before[static_cast<std::size_t>(i)] = content(*first, i);
+        }
+        first->window.sources().closeHistory(); // as the program does on its way out
+    }
+    ASSERT_FALSE(before[3].text.isEmpty()); // the Es pane got spots too
+    auto second = startWithHistory(data.path());
+    ASSERT_TRUE(waitFor([&] { return content(*second, 0) == before[0]; }))
+        << second->pane(0).toStdString();
+    for (int i = 1; i < 4; ++i) {
+        EXPECT_EQ(content(*second, i), before[static_cast<std::size_t>(i)]) << "pane " << i;
+    }
+    second->window.sources().session().feed().receive(spotLines(40, 1));
+    ASSERT_TRUE(waitFor([&] { return second->window.workingPane(0).lineCount() == 41; }));
+    EXPECT_TRUE(second->pane(0).startsWith(historySpot(40, {}).line))
+        << second->pane(0).toStdString();
+    EXPECT_TRUE(second->pane(0).endsWith(before[0].text)) << second->pane(0).toStdString();
+}
+
+TEST(HistoryWindowTest, HistoryInUseIsSaidOnceAndSpotsStillShow) {
+    QTemporaryDir data;
+    HistoryDatabase other; // a first program holds the file
+    ASSERT_TRUE(other.open(data.filePath("history.sqlite"), HistoryDatabase::Access::Writer));
+    const QByteArray before = readBytes(data.filePath("history.sqlite"));
+    auto rig = startWithHistory(data.path());
+    ASSERT_TRUE(waitFor([&] { return rig->label("Label_Telnet_Status").contains("in use"); }));
+    EXPECT_TRUE(rig->label("Label_Telnet_Status").startsWith("Spot history off: "));
+    rig->window.sources().session().feed().receive(spotLines(0, 3));
+    ASSERT_TRUE(waitFor([&] { return rig->window.workingPane(0).lineCount() == 3; }));
+    EXPECT_EQ(other.count(), 0);
+    EXPECT_EQ(readBytes(data.filePath("history.sqlite")), before);
+}
+
+TEST(HistoryWindowTest, PaneMenuExportsTheHistoryAsCsv) {
+    QTemporaryDir data;
+    auto rig = startWithHistory(data.path());
+    rig->window.sources().session().feed().receive(spotLines(0, 25));
+    const QString csv = data.filePath("export.csv");
+    rig->platform.answerFileDialog(csv);
+    QAction *export24h = rig->window.findChild<QAction *>("exportHours24");
+    ASSERT_NE(export24h, nullptr);
+    ASSERT_TRUE(rig->window.displayPane(0)->actions().contains(
+        export24h->parent()->parent()->findChild<QAction *>("exportAction")));
+    export24h->trigger();
+    EXPECT_TRUE(rig->platform.lastFileDialog().save);
+    ASSERT_TRUE(waitFor([&] { return rig->label("Label_Telnet_Status") == "Exported 25 spots"; }))
+        << rig->label("Label_Telnet_Status").toStdString();
+    bool wellFormed = false;
+    const std::vector<QStringList> rows = parseCsv(QString::fromUtf8(readBytes(csv)), &wellFormed);
+    EXPECT_TRUE(wellFormed);
+    ASSERT_EQ(rows.size(), 26U);
+    EXPECT_EQ(rows[1].at(rows[0].indexOf("source")), rig->state.Telnet_Call);
+    EXPECT_EQ(rows[25].at(rows[0].indexOf("dx")), historySpot(24, {}).dxCall);
+}

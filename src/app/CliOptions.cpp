@@ -9,7 +9,7 @@ namespace zkr {
 QString cliUsage() {
     return QStringLiteral(
         "Usage: zkr_muf_cli --locator LOC [--call CALL] [--es-only] [--over144] [--eval-all]\n"
-        "                   [--web] [--json | --jsonl] [FILE]\n"
+        "                   [--web] [--json | --jsonl | --watch [--watch-bands LIST]] [FILE]\n"
         "       zkr_muf_cli --locator LOC --call CALL --cluster HOST:PORT [--seconds N]\n"
         "                   [--es-only] [--over144] [--eval-all] [--json | --jsonl]\n"
         "\n"
@@ -28,6 +28,9 @@ QString cliUsage() {
         "  --web                FILE is a downloaded web spot page, not cluster text\n"
         "  --json               print the panes as JSON, with the colour of every segment\n"
         "  --jsonl              print one JSON object per spot as soon as it is evaluated\n"
+        "  --watch              print one line per level an Es cloud reaches for the own\n"
+        "                       station (\"2 m open via JN14 ...\"), instead of the panes\n"
+        "  --watch-bands LIST   with --watch: the bands to watch, of 50,70,144 (default 144)\n"
         "  -h, --help           print this help\n"
         "\n"
         "Exit status: 0 on success, 2 for bad arguments or an unreadable FILE.\n");
@@ -45,12 +48,15 @@ std::variant<CliOptions, QString> parseCliOptions(const QStringList &arguments) 
     const QCommandLineOption cluster(QStringLiteral("cluster"), QString(),
                                      QStringLiteral("HOST:PORT"));
     const QCommandLineOption seconds(QStringLiteral("seconds"), QString(), QStringLiteral("N"));
+    const QCommandLineOption watch(QStringLiteral("watch"));
+    const QCommandLineOption watchBands(QStringLiteral("watch-bands"), QString(),
+                                        QStringLiteral("LIST"));
     const QCommandLineOption help(QStringList{QStringLiteral("h"), QStringLiteral("help")});
 
     QCommandLineParser parser;
     parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
-    parser.addOptions(
-        {locator, call, esOnly, over144, evalAll, web, json, jsonLines, cluster, seconds, help});
+    parser.addOptions({locator, call, esOnly, over144, evalAll, web, json, jsonLines, cluster,
+                       seconds, watch, watchBands, help});
     if (!parser.parse(arguments)) {
         return parser.errorText();
     }
@@ -96,6 +102,23 @@ std::variant<CliOptions, QString> parseCliOptions(const QStringList &arguments) 
     options.jsonLines = parser.isSet(jsonLines);
     if (options.json && options.jsonLines) {
         return QStringLiteral("--json and --jsonl exclude each other");
+    }
+    options.watch = parser.isSet(watch);
+    if (options.watch && (options.json || options.jsonLines)) {
+        return QStringLiteral("--watch excludes --json and --jsonl");
+    }
+    if (parser.isSet(watchBands)) {
+        if (!options.watch) {
+            return QStringLiteral("--watch-bands goes with --watch");
+        }
+        options.watchBands.clear();
+        for (const QString &band : parser.value(watchBands).split(QLatin1Char(','))) {
+            const int mhz = band.trimmed().toInt();
+            if (mhz != 50 && mhz != 70 && mhz != 144) {
+                return QStringLiteral("--watch-bands takes 50, 70 and 144, not \"%1\"").arg(band);
+            }
+            options.watchBands.append(mhz);
+        }
     }
     if (parser.isSet(seconds)) {
         bool ok = false;

@@ -284,4 +284,35 @@ QString EsWatch::alertText(const WatchCloud &cloud, WatchLevel level) {
     return text;
 }
 
+QString EsWatch::describe(const WatchCloud *cloud, const QDateTime &now) {
+    if (cloud == nullptr) {
+        return NoCloudsText;
+    }
+    QString text = cloud->square;
+    if (cloud->level != WatchLevel::None) {
+        text += QStringLiteral("  ") + watchLevelName(cloud->level);
+    }
+    const long long ownMuf = whole(cloud->ownMuf);
+    text += QStringLiteral("  FOT %1 MHz  AZ %2 EL %3")
+                .arg(ownMuf)
+                .arg(whole(cloud->best.azimuth))
+                .arg(whole(cloud->best.elevation));
+    if (!cloud->best.far.isEmpty()) {
+        text += QStringLiteral("  -> ") + cloud->best.far.left(4);
+    }
+    QStringList opens;
+    const bool aboveHorizon = whole(cloud->best.elevation) >= 0;
+    for (const auto &[name, mhz] : {std::pair{"6 m", 50}, {"4 m", 70}, {"2 m", 144}}) {
+        if (aboveHorizon && ownMuf >= mhz) {
+            opens.append(QLatin1String(name));
+        }
+    }
+    if (!opens.isEmpty()) {
+        text += QStringLiteral("  opens ") + opens.join(QLatin1Char(' '));
+    }
+    const qint64 age = std::max<qint64>(0, cloud->lastSpot.secsTo(now));
+    text += age < 60 ? QStringLiteral("  just now") : QStringLiteral("  %1 min ago").arg(age / 60);
+    return text;
+}
+
 } // namespace zkr

@@ -101,6 +101,12 @@ public:
     // The alert text of a level reached by a cloud, for example
     // "2 m open via JN14 FOT=152MHz AZ=226 EL=4 -> IN83".
     static QString alertText(const WatchCloud &cloud, WatchLevel level);
+    // The strip's words for the cloud at `now`: square, level, own MUF,
+    // course and elevation, far square, the bands it opens and its age, for
+    // example "JN14  2 m open  FOT 152 MHz  AZ 226 EL 4  -> IN83  opens 6 m
+    // 4 m 2 m  3 min ago"; `NoCloudsText` for none.
+    static QString describe(const WatchCloud *cloud, const QDateTime &now);
+    static inline const QString NoCloudsText = QStringLiteral("no Es clouds in range");
     // The time of a spot on the spots' clock: its hhmmZ taken on the day
     // that puts it nearest to `now` (a file crossing midnight, or dated by
     // the day it is replayed on).

@@ -382,3 +382,42 @@ TEST(WatchSettingsFile, DefaultsRoundTripAndBadWords) {
 
 } // namespace
 } // namespace zkr
+
+namespace zkr {
+namespace {
+
+// The strip's words: level, numbers as printed, the bands a hop opens (none
+// under the horizon) and the age in whole minutes.
+TEST(EsWatchStrip, DescribesTheCloudAsPrinted) {
+    struct Case {
+        const char *name;
+        test::SpotSpec spot;
+        int secondsLater;
+        const char *text;
+    };
+    const Case cases[] = {
+        {"2 m",
+         {.ownMuf = 151.6, .elevation = 4.4, .ownKm = 1600},
+         30,
+         "JN14  2 m open  FOT 152 MHz  AZ 226 EL 4  -> IN83  opens 6 m 4 m 2 m  just now"},
+        {"6 m only, three minutes",
+         {.ownMuf = 69.5, .elevation = 4.4, .ownKm = 1600},
+         239,
+         "JN14  FOT 70 MHz  AZ 226 EL 4  -> IN83  opens 6 m 4 m  3 min ago"},
+        {"rising",
+         {.ownMuf = 120, .elevation = 0, .ownKm = 1600},
+         60,
+         "JN14  rising  FOT 120 MHz  AZ 226 EL 0  -> IN83  opens 6 m 4 m  1 min ago"},
+    };
+    for (const Case &c : cases) {
+        SCOPED_TRACE(c.name);
+        EsWatch watch;
+        watch.setWallClock([] { return test::T0; });
+        watch.addSpot(test::esSpot(c.spot));
+        EXPECT_EQ(EsWatch::describe(watch.bestCloud(), test::T0.addSecs(c.secondsLater)), c.text);
+    }
+    EXPECT_EQ(EsWatch::describe(nullptr, test::T0), "no Es clouds in range");
+}
+
+} // namespace
+} // namespace zkr

@@ -12,6 +12,8 @@
 #include <QStandardPaths>
 #include <QWheelEvent>
 
+#include <algorithm>
+#include <array>
 #include <cmath>
 
 namespace zkr {
@@ -138,11 +140,15 @@ void EsMapView::buildBackground() {
     const QRectF visible = viewport_.visibleKm();
     painter.setPen(QPen(QColor(0x90, 0x90, 0x80), 0.8));
     painter.setBrush(QColor(0xF4, 0xF1, 0xE4));
+    QPainterPath land;
+    land.setFillRule(Qt::WindingFill);
     for (std::size_t i = 0; i < coastKm_.size(); ++i) {
         if (coastBounds_[i].intersects(visible)) {
-            painter.drawPolygon(toPixels.map(coastKm_[i]));
+            land.addPolygon(toPixels.map(coastKm_[i]));
+            land.closeSubpath();
         }
     }
+    painter.drawPath(land);
 
     // The grid: fields always, squares when they are wide enough to read.
     const auto corners = {visible.topLeft(), visible.topRight(), visible.bottomLeft(),
@@ -168,13 +174,15 @@ void EsMapView::buildBackground() {
     painter.setBrush(Qt::NoBrush);
     auto drawGrid = [&](bool ofSquares, const QPen &pen) {
         painter.setPen(pen);
+        QPainterPath grid;
         for (const GridLine &line : maidenheadGrid(ofSquares, south, north, west, east)) {
             QPolygonF polyline;
             for (const GeoPoint &point : line.points) {
                 polyline.append(pixelOf(point));
             }
-            painter.drawPolyline(polyline);
+            grid.addPolygon(polyline);
         }
+        painter.drawPath(grid);
     };
     if (squares) {
         drawGrid(true, QPen(QColor(0xB0, 0xB8, 0xC8), 0.5));
@@ -223,35 +231,81 @@ void EsMapView::drawClouds(QPainter &painter) {
     const QDateTime now = watch_.now();
     const std::vector<const WatchCloud *> clouds = watch_.clouds();
     const QPointF own = viewport_.toPixel(QPointF());
-    // Paths first, markers over them.
+    // Every painter call costs a pass of the rasterizer (threads included):
+    // clouds are gathered into one path per colour and fade step, so a
+    // thousand clouds are a few dozen calls.
+    constexpr int FadeSteps = 6;
+    struct Bucket {
+        QList<QLineF> paths;
+        QList<QLineF> farPaths;
+        std::vector<QPointF> centres;
+    };
+    std::array<Bucket, MufClassCount * FadeSteps> buckets;
+    auto stepOf = [](double age) {
+        return std::clamp(static_cast<int>(age / (EsWatch::CloudKeptSecs / FadeSteps)), 0,
+                          FadeSteps - 1);
+    };
     for (const WatchCloud *cloud : clouds) {
-        if (cloud->spots.empty() || cloud->best.ownKm >= Distance_Limit) {
+        if (cloud->spots.empty()) {
             continue;
         }
         const double age = static_cast<double>(cloud->lastSpot.secsTo(now));
-        const int alpha = fadeAlpha(age) * 3 / 4;
+        Bucket &bucket =
+            buckets[static_cast<std::size_t>(mufClass(cloud->keptMuf()) * FadeSteps + stepOf(age))];
         const QPointF at = markerPixel(*cloud);
-        const QColor colour = fromRgb(mufClassAt(mufClass(cloud->keptMuf())).rgb, alpha);
-        painter.setPen(QPen(colour, 1.5));
-        painter.drawLine(own, at);
-        if (const auto far = locatorCentre(cloud->best.far)) {
-            painter.setPen(QPen(colour, 1.5, Qt::DashLine));
-            painter.drawLine(at, pixelOf(*far));
+        bucket.centres.push_back(at);
+        if (cloud->best.ownKm < Distance_Limit) {
+            bucket.paths.append(QLineF(own, at));
+            if (const auto far = locatorCentre(cloud->best.far)) {
+                bucket.farPaths.append(QLineF(at, pixelOf(*far)));
+            }
         }
     }
-    QFont small = font();
-    small.setPointSizeF(small.pointSizeF() * 0.85);
-    painter.setFont(small);
-    const bool labelled = clouds.size() <= MaxLabelledClouds;
-    for (const WatchCloud *cloud : clouds) {
-        const double age = static_cast<double>(cloud->lastSpot.secsTo(now));
-        const int alpha = fadeAlpha(age);
-        const QPointF at = markerPixel(*cloud);
-        painter.setPen(QPen(QColor(0, 0, 0, alpha), 1));
-        painter.setBrush(fromRgb(mufClassAt(mufClass(cloud->keptMuf())).rgb, alpha));
-        painter.drawEllipse(at, MarkerRadius, MarkerRadius);
-        if (labelled) {
-            painter.drawText(at + QPointF(MarkerRadius + 2, 4), cloud->square);
+    // Thin paths without antialiasing: a thousand long antialiased lines
+    // would cost a frame each.
+    painter.setRenderHint(QPainter::Antialiasing, false);
+    painter.setBrush(Qt::NoBrush);
+    for (std::size_t i = 0; i < buckets.size(); ++i) {
+        const int alpha = fadeAlpha((static_cast<double>(i % FadeSteps) + 0.5) *
+                                    EsWatch::CloudKeptSecs / FadeSteps) *
+                          3 / 4;
+        const QColor colour = fromRgb(mufClassAt(static_cast<int>(i / FadeSteps)).rgb, alpha);
+        painter.setPen(QPen(colour, 0));
+        painter.drawLines(buckets[i].paths);
+        painter.setPen(QPen(colour, 0, Qt::DashLine));
+        painter.drawLines(buckets[i].farPaths);
+    }
+    // Markers are stamped from one drawn marker per colour and fade step.
+    const qreal ratio = devicePixelRatioF();
+    const int side = static_cast<int>(std::ceil((MarkerRadius + 1.5) * 2));
+    for (std::size_t i = 0; i < buckets.size(); ++i) {
+        if (buckets[i].centres.empty()) {
+            continue;
+        }
+        const int alpha = fadeAlpha((static_cast<double>(i % FadeSteps) + 0.5) *
+                                    EsWatch::CloudKeptSecs / FadeSteps);
+        QPixmap marker(QSize(side, side) * ratio);
+        marker.setDevicePixelRatio(ratio);
+        marker.fill(Qt::transparent);
+        {
+            QPainter stamp(&marker);
+            stamp.setRenderHint(QPainter::Antialiasing);
+            stamp.setPen(QPen(QColor(0, 0, 0, alpha), 1));
+            stamp.setBrush(fromRgb(mufClassAt(static_cast<int>(i / FadeSteps)).rgb, alpha));
+            stamp.drawEllipse(QPointF(side / 2.0, side / 2.0), MarkerRadius, MarkerRadius);
+        }
+        for (const QPointF &at : buckets[i].centres) {
+            painter.drawPixmap(at - QPointF(side / 2.0, side / 2.0), marker);
+        }
+    }
+    painter.setRenderHint(QPainter::Antialiasing);
+    if (clouds.size() <= MaxLabelledClouds) {
+        QFont small = font();
+        small.setPointSizeF(small.pointSizeF() * 0.85);
+        painter.setFont(small);
+        painter.setPen(Qt::black);
+        for (const WatchCloud *cloud : clouds) {
+            painter.drawText(markerPixel(*cloud) + QPointF(MarkerRadius + 2, 4), cloud->square);
         }
     }
 }

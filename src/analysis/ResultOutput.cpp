@@ -80,12 +80,6 @@ std::uint32_t fieldColour(const EsPath &path, bool magenta) {
     return Color_Black;
 }
 
-bool isDoubtfulEs(const EvaluatedSpot &spot, long long muf) {
-    const double band = std::floor(static_cast<double>(spot.frequency));
-    return spot.mode == QLatin1String("??") || muf > 250 || (band == 144 && muf >= 240) ||
-           (band == 70 && muf >= 220) || (band == 50 && muf >= 200);
-}
-
 // Room for all four result fields in one run.
 constexpr qsizetype FieldRunCapacity = 64;
 
@@ -107,6 +101,12 @@ void append(EvaluatedSpot &spot, const FieldText &text, std::uint32_t colour) {
 }
 
 } // namespace
+
+bool Is_DoubtfulEs(const EvaluatedSpot &spot, long long muf) {
+    const double band = std::floor(static_cast<double>(spot.frequency));
+    return spot.mode == QLatin1String("??") || muf > 250 || (band == 144 && muf >= 240) ||
+           (band == 70 && muf >= 220) || (band == 50 && muf >= 200);
+}
 
 unsigned Selected_Panes(const EvaluatedSpot &spot) {
     const double f = spot.frequency;
@@ -135,7 +135,7 @@ void Print_MufField(EvaluatedSpot &spot) {
     const EsPath &path = *spot.es;
     const long long muf = Round_Half_Up(path.muf);
     FieldText text;
-    text << QLatin1StringView(isDoubtfulEs(spot, muf) ? "Es? " : "    ")
+    text << QLatin1StringView(Is_DoubtfulEs(spot, muf) ? "Es? " : "    ")
          << QLatin1StringView("MUF=");
     text.padded3(muf) << QLatin1StringView("MHz");
     append(spot, text, fieldColour(path, muf >= 144));

@@ -25,6 +25,10 @@ unsigned Selected_Panes(const EvaluatedSpot &spot);
 // large to print as a whole number.
 long long Round_Half_Up(double x);
 
+// Whether the Es result of the spot is doubtful (printed "Es? "): no mode
+// marker, or a MUF `muf` (rounded) too high for the spot's band.
+bool Is_DoubtfulEs(const EvaluatedSpot &spot, long long muf);
+
 // The field printers of a computed spot (its `es` is set), in the order of
 // the line: MUF field, midpoint square, FOT field, azimuth/elevation field
 // (which ends the line). Each appends its text to the spot's runs.

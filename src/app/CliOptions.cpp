@@ -10,7 +10,7 @@ namespace zkr {
 QString cliUsage() {
     return QStringLiteral(
         "Usage: zkr_muf_cli --locator LOC [--call CALL] [--es-only] [--over144] [--eval-all]\n"
-        "                   [--web] [--json | --jsonl] [FILE]\n"
+        "                   [--web] [--json | --jsonl | --watch [--watch-bands LIST]] [FILE]\n"
         "       zkr_muf_cli --locator LOC --call CALL --cluster HOST:PORT [--seconds N]\n"
         "                   [--es-only] [--over144] [--eval-all] [--json | --jsonl]\n"
         "       zkr_muf_cli --export-csv FROM TO [--db PATH]\n"
@@ -35,6 +35,9 @@ QString cliUsage() {
         "                       is given: 2024-06-01T14:00Z, 2024-06-01T16:00+02:00, or a\n"
         "                       date alone for its midnight UTC\n"
         "  --db PATH            the history file to export (default: the program's own)\n"
+        "  --watch              print one line per level an Es cloud reaches for the own\n"
+        "                       station (\"2 m open via JN14 ...\"), instead of the panes\n"
+        "  --watch-bands LIST   with --watch: the bands to watch, of 50,70,144 (default 144)\n"
         "  -h, --help           print this help\n"
         "  --version            print the version\n"
         "\n"
@@ -80,6 +83,9 @@ std::variant<CliOptions, QString> parseCliOptions(const QStringList &arguments) 
     const QCommandLineOption cluster(QStringLiteral("cluster"), QString(),
                                      QStringLiteral("HOST:PORT"));
     const QCommandLineOption seconds(QStringLiteral("seconds"), QString(), QStringLiteral("N"));
+    const QCommandLineOption watch(QStringLiteral("watch"));
+    const QCommandLineOption watchBands(QStringLiteral("watch-bands"), QString(),
+                                        QStringLiteral("LIST"));
     const QCommandLineOption help(QStringList{QStringLiteral("h"), QStringLiteral("help")});
     const QCommandLineOption version(QStringLiteral("version"));
     const QCommandLineOption exportCsv(QStringLiteral("export-csv"), QString(),
@@ -89,7 +95,7 @@ std::variant<CliOptions, QString> parseCliOptions(const QStringList &arguments) 
     QCommandLineParser parser;
     parser.setSingleDashWordOptionMode(QCommandLineParser::ParseAsLongOptions);
     parser.addOptions({locator, call, esOnly, over144, evalAll, web, json, jsonLines, cluster,
-                       seconds, help, version, exportCsv, db});
+                       seconds, help, version, exportCsv, db, watch, watchBands});
     if (!parser.parse(arguments)) {
         return parser.errorText();
     }
@@ -142,6 +148,23 @@ std::variant<CliOptions, QString> parseCliOptions(const QStringList &arguments) 
     options.jsonLines = parser.isSet(jsonLines);
     if (options.json && options.jsonLines) {
         return QStringLiteral("--json and --jsonl exclude each other");
+    }
+    options.watch = parser.isSet(watch);
+    if (options.watch && (options.json || options.jsonLines)) {
+        return QStringLiteral("--watch excludes --json and --jsonl");
+    }
+    if (parser.isSet(watchBands)) {
+        if (!options.watch) {
+            return QStringLiteral("--watch-bands goes with --watch");
+        }
+        options.watchBands.clear();
+        for (const QString &band : parser.value(watchBands).split(QLatin1Char(','))) {
+            const int mhz = band.trimmed().toInt();
+            if (mhz != 50 && mhz != 70 && mhz != 144) {
+                return QStringLiteral("--watch-bands takes 50, 70 and 144, not \"%1\"").arg(band);
+            }
+            options.watchBands.append(mhz);
+        }
     }
     if (parser.isSet(seconds)) {
         bool ok = false;

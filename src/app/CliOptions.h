@@ -20,6 +20,10 @@ struct CliOptions {
     bool jsonLines = false; // one object per evaluated spot, as it is evaluated
     bool help = false;
     bool version = false;
+    // One line per level the Es watch reaches, instead of the panes; the
+    // bands it watches (MHz: 50, 70, 144).
+    bool watch = false;
+    QList<int> watchBands{144};
     QString fileName; // "" for standard input
     // A live cluster instead of a file: host and port, and how long to stay
     // (0: until SIGINT or SIGTERM).

@@ -30,6 +30,24 @@ CliReplay::CliReplay(const CliOptions &options, QFileDevice *spotsOut)
 
     connectFeed(feed_);
     connect(&pipeline_, &SpotPipeline::spotEvaluated, this, &CliReplay::onSpot);
+    if (options.watch) {
+        watch_ = std::make_unique<EsWatch>();
+        WatchSettings watching;
+        watching.band50 = options.watchBands.contains(50);
+        watching.band70 = options.watchBands.contains(70);
+        watching.band144 = options.watchBands.contains(144);
+        watch_->setSettings(watching);
+        connect(&pipeline_, &SpotPipeline::spotEvaluated, watch_.get(), &EsWatch::addSpot);
+        connect(watch_.get(), &EsWatch::levelReached, this,
+                [this](const WatchCloud &, WatchLevel, const QString &text) {
+                    if (spotsOut_ == nullptr) {
+                        return;
+                    }
+                    const QString time = watch_->now().toString(QStringLiteral("HHmm"));
+                    spotsOut_->write((time + QStringLiteral("Z ") + text).toUtf8() + '\n');
+                    spotsOut_->flush(); // a script waits for it
+                });
+    }
     connect(&pipeline_, &SpotPipeline::pageStarted, this, [this] { writer_.beginPage(); });
     connect(&pipeline_, &SpotPipeline::pageFinished, this, [this](unsigned panesWithEs) {
         writer_.endPage(panesWithEs);
@@ -54,7 +72,7 @@ void CliReplay::onSpot(const EvaluatedSpot &spot) {
     if (!spot.error.isEmpty() && !messages_.contains(spot.error)) {
         messages_.append(spot.error);
     }
-    if (spotsOut_ != nullptr) {
+    if (spotsOut_ != nullptr && !options_.watch) {
         QByteArray line;
         Write_SpotJson(line, spot);
         line += '\n';
@@ -96,6 +114,13 @@ void CliReplay::runLive(int seconds) {
             });
     QEventLoop loop;
     liveLoop_ = &loop;
+    QTimer aging;
+    if (watch_ != nullptr) {
+        // Live spots run on the wall clock; clouds age without spots too.
+        watch_->setWallClock([] { return QDateTime::currentDateTimeUtc(); });
+        connect(&aging, &QTimer::timeout, watch_.get(), &EsWatch::refresh);
+        aging.start(30 * 1000);
+    }
     if (seconds > 0) {
         QTimer::singleShot(seconds * 1000, &loop, &QEventLoop::quit);
     }

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ClusterFeed.h"
+#include "EsWatch.h"
 #include "MemoryPane.h"
 #include "PaneWriter.h"
 #include "SpotPipeline.h"
@@ -9,6 +10,7 @@
 #include <QStringList>
 
 #include <array>
+#include <memory>
 
 class QEventLoop;
 class QFileDevice;
@@ -25,7 +27,8 @@ class ClusterSession;
 class CliReplay : public QObject {
     Q_OBJECT
 public:
-    // `spotsOut`: where each spot goes as a JSON line, or null.
+    // `spotsOut`: where each spot goes as a JSON line, or null; with
+    // --watch, where the watch's lines go.
     explicit CliReplay(const CliOptions &options, QFileDevice *spotsOut = nullptr);
     ~CliReplay() override;
 
@@ -42,6 +45,8 @@ public:
     ClusterFeed &feed() { return feed_; }
     SpotPipeline &pipeline() { return pipeline_; }
     ClusterSession *session() { return session_; }
+    // The Es watch of --watch, or null.
+    EsWatch *watch() { return watch_.get(); }
     const std::array<MemoryPane, 4> &panes() const { return panes_; }
     // Faults reported while evaluating, each text once.
     const QStringList &messages() const { return messages_; }
@@ -60,6 +65,7 @@ private:
     ClusterSession *session_ = nullptr;
     QEventLoop *liveLoop_ = nullptr;
     QStringList messages_;
+    std::unique_ptr<EsWatch> watch_;
 };
 
 } // namespace zkr

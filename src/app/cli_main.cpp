@@ -121,7 +121,7 @@ int main(int argc, char *argv[]) {
         return fail(QStringLiteral("cannot write to standard output"));
     }
     const bool live = !options.clusterHost.isEmpty();
-    zkr::CliReplay run(options, options.jsonLines ? &out : nullptr);
+    zkr::CliReplay run(options, options.jsonLines || options.watch ? &out : nullptr);
     if (live) {
         stopOnSignals(run, &app);
         run.runLive(options.seconds);
@@ -149,7 +149,7 @@ int main(int argc, char *argv[]) {
     run.refreshDisplay();
     if (options.json) {
         zkr::Write_PanesJson(out, run.panes(), run.messages());
-    } else if (!options.jsonLines) {
+    } else if (!options.jsonLines && !options.watch) {
         zkr::Write_PanesText(out, run.panes());
     }
     out.close();

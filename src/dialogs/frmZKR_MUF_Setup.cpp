@@ -121,6 +121,21 @@ void frmZKR_MUF_Setup::buildControls() {
     updates->addWidget(CommandButton_Check_for_Updates_);
     column->addLayout(updates);
 
+    Frame_EsWatch_ = new QGroupBox(QStringLiteral("Es watch alerts"), this);
+    Frame_EsWatch_->setObjectName(QStringLiteral("Frame_EsWatch"));
+    auto *watchGrid = new QGridLayout(Frame_EsWatch_);
+    const std::array<const char *, 7> watchCaptions{
+        "6 m (50 MHz)", "4 m (70 MHz)", "2 m (144 MHz)", "rising (FOT >= 100 MHz)",
+        "open",         "confirmed",    "sound"};
+    for (std::size_t i = 0; i < watchBoxes_.size(); ++i) {
+        auto *box = new QCheckBox(QLatin1String(watchCaptions[i]), Frame_EsWatch_);
+        box->setObjectName(QStringLiteral("CheckBox_EsWatch%1").arg(i));
+        watchGrid->addWidget(box, i < 3 ? 0 : 1, static_cast<int>(i < 3 ? i : i - 3));
+        connect(box, &QCheckBox::clicked, this, [this] { markEdited(); });
+        watchBoxes_[i] = box;
+    }
+    column->addWidget(Frame_EsWatch_);
+
     auto *buttons = new QHBoxLayout;
     auto makeButton = [this, buttons](const QString &caption, const char *name) {
         auto *button = new QPushButton(caption, this);
@@ -166,6 +181,24 @@ void frmZKR_MUF_Setup::runHandler(const std::function<void()> &handler) {
         handler();
     } catch (const RunTimeError &error) {
         reportRunTimeError(platform_, error);
+    }
+}
+
+WatchSettings frmZKR_MUF_Setup::watchSettings() const {
+    WatchSettings settings;
+    bool *switches[] = {&settings.band50, &settings.band70,    &settings.band144, &settings.rising,
+                        &settings.open,   &settings.confirmed, &settings.sound};
+    for (std::size_t i = 0; i < watchBoxes_.size(); ++i) {
+        *switches[i] = watchBoxes_[i]->isChecked();
+    }
+    return settings;
+}
+
+void frmZKR_MUF_Setup::setWatchSettings(const WatchSettings &settings) {
+    const bool switches[] = {settings.band50, settings.band70,    settings.band144, settings.rising,
+                             settings.open,   settings.confirmed, settings.sound};
+    for (std::size_t i = 0; i < watchBoxes_.size(); ++i) {
+        watchBoxes_[i]->setChecked(switches[i]);
     }
 }
 
@@ -263,6 +296,7 @@ void frmZKR_MUF_Setup::Setup_Click() {
     state_.Call_BeforeSetup = state_.OwnCall;
     host_.setRefreshTimer(false);
     readSettings();
+    setWatchSettings(WatchSettings::read(state_.IniFilePath));
     centreOver(host_.mainFrame());
     loadClusterList();
     resetButtons();
@@ -363,7 +397,9 @@ void frmZKR_MUF_Setup::Command_SaveConfig_Click() {
 
     SettingsFile &settings = host_.settingsFile();
     settings.Save_Settings();
+    watchSettings().write(state_.IniFilePath);
     readSettings();
+    Q_EMIT settingsSaved();
     Command_SaveConfig_->setEnabled(true);
     Command_ExitwWthoutSave_->setEnabled(true);
     host_.showOwnCallLabels(QStringLiteral("CALL ") + state_.OwnCall,

@@ -2,9 +2,11 @@
 
 #include "SetupDialogLink.h"
 #include "UpdateCheck.h"
+#include "WatchSettings.h"
 
 #include <QDialog>
 
+#include <array>
 #include <functional>
 #include <optional>
 
@@ -55,6 +57,10 @@ public:
     // background after start-up.
     UpdateCheck &updateCheck() { return updateCheck_; }
 
+    // The Es watch's boxes: bands, levels, sound.
+    WatchSettings watchSettings() const;
+    void setWatchSettings(const WatchSettings &settings);
+
     // SetupDialogLink
     QString callText() const override;
     void setCallText(const QString &text) override;
@@ -67,6 +73,10 @@ public:
     void setSaveEnabled(bool enabled) override;
     void centreOver(const QRect &mainFrame) override;
     void unload() override;
+
+Q_SIGNALS:
+    // The settings file was written by Save.
+    void settingsSaved();
 
 protected:
     // Escape and the window's close box leave without saving.
@@ -108,6 +118,9 @@ private:
     QLabel *Label_ClusterList_ = nullptr; // says when the list is missing or empty
     QCheckBox *CheckBox_AutoUpdate_ = nullptr;
     QPushButton *CommandButton_Check_for_Updates_ = nullptr;
+    QGroupBox *Frame_EsWatch_ = nullptr;
+    // 50, 70, 144 MHz, rising, open, confirmed, sound: WatchSettings' order.
+    std::array<QCheckBox *, 7> watchBoxes_{};
     QPushButton *Command_SaveConfig_ = nullptr;
     QPushButton *Command_ExitwWthoutSave_ = nullptr;
 };

@@ -140,6 +140,30 @@ QString PaneView::text() const {
     return all;
 }
 
+void PaneView::selectLine(std::int64_t index) {
+    if (source_ == nullptr || index < 0 || index >= source_->lineCount()) {
+        selectedId_ = 0;
+        viewport()->update();
+        return;
+    }
+    selectedId_ = source_->linesAddedOnTop() - static_cast<std::uint64_t>(index);
+    updateScrollBars();
+    const std::int64_t row = own_.lineCount() + index;
+    QScrollBar *bar = verticalScrollBar();
+    if (row < bar->value() || row >= bar->value() + bar->pageStep()) {
+        bar->setValue(static_cast<int>(std::max<std::int64_t>(row - bar->pageStep() / 2, 0)));
+    }
+    viewport()->update();
+}
+
+std::int64_t PaneView::selectedLine() const {
+    if (source_ == nullptr || selectedId_ == 0 || source_->linesAddedOnTop() < selectedId_) {
+        return -1;
+    }
+    const auto index = static_cast<std::int64_t>(source_->linesAddedOnTop() - selectedId_);
+    return index < source_->lineCount() ? index : -1;
+}
+
 void PaneView::updateScrollBars() {
     const QFontMetrics metrics(font());
     const int lineHeight = std::max(metrics.lineSpacing(), 1);
@@ -197,6 +221,15 @@ void PaneView::paintEvent(QPaintEvent *) {
     const int x0 = 2 - horizontalScrollBar()->value();
     const std::int64_t count = shownLineCount();
     const int rows = viewport()->height() / lineHeight + 1;
+    const std::int64_t selected = selectedLine();
+    if (selected >= 0 && !sourceHidden_) {
+        const std::int64_t row = own_.lineCount() + selected - first;
+        if (row >= 0 && row < rows) {
+            painter.fillRect(
+                QRect(0, static_cast<int>(row) * lineHeight, viewport()->width(), lineHeight),
+                palette().color(QPalette::Highlight).lighter(160));
+        }
+    }
     for (int row = 0; row < rows && first + row < count; ++row) {
         const ShapedLine &line = shaped(shownLine(first + row));
         double x = x0;

@@ -56,6 +56,12 @@ public:
     std::int64_t shownLineCount() const;
     int firstShownLine() const;
 
+    // Marks line `index` of the working pane (0 the top) as selected and
+    // scrolls it into sight; the mark stays on that line as new lines come
+    // on top. selectedLine() is its index now, or -1.
+    void selectLine(std::int64_t index);
+    std::int64_t selectedLine() const;
+
 protected:
     void paintEvent(QPaintEvent *event) override;
     void resizeEvent(QResizeEvent *event) override;
@@ -80,6 +86,9 @@ private:
     MemoryPane own_;
     bool sourceHidden_ = false;
     std::uint64_t seenLinesAdded_ = 0;
+    // The selected line as the count of lines added on top when it came;
+    // 0 for none.
+    std::uint64_t selectedId_ = 0;
     QHash<const QChar *, ShapedLine> shapedLines_;
     QElapsedTimer sinceFrame_;
     bool scrollBarsStale_ = false;

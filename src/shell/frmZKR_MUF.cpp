@@ -3,6 +3,7 @@
 #include "PaneView.h"
 
 #include "BgrColour.h"
+#include "EsWatchLink.h"
 #include "Int16Arithmetic.h"
 #include "Platform.h"
 #include "ProgramState.h"
@@ -73,6 +74,11 @@ frmZKR_MUF::frmZKR_MUF(ProgramState &state, Platform &platform, QWidget *parent)
     buildControls();
     applyColours();
     sources_ = std::make_unique<SpotSources>(state_, platform_, *this);
+    // The strip between the buttons and the tabs; the map after the panes.
+    watchLink_ = new EsWatchLink(state_, platform_, sources_->pipeline(), *this);
+    column_->insertWidget(1, &watchLink_->strip());
+    SSTab1_->addTab(&watchLink_->map(), QStringLiteral("Map"));
+    connect(setup_, &frmZKR_MUF_Setup::settingsSaved, watchLink_, &EsWatchLink::readSettings);
 }
 
 frmZKR_MUF::~frmZKR_MUF() = default;
@@ -80,6 +86,7 @@ frmZKR_MUF::~frmZKR_MUF() = default;
 void frmZKR_MUF::buildControls() {
     auto *central = new QWidget(this);
     auto *column = new QVBoxLayout(central);
+    column_ = column;
     column->setContentsMargins(6, 6, 6, 6);
     column->setSpacing(4);
 
@@ -657,6 +664,9 @@ void frmZKR_MUF::Command_Telnet_Click() {
 }
 
 void frmZKR_MUF::Copy_Click() {
+    if (SSTab1_->currentIndex() >= PaneCount) {
+        return; // the map has no text
+    }
     const QString text = displayPane(SSTab1_->currentIndex())->text();
     platform_.clearClipboard();
     platform_.setClipboardText(text);

@@ -22,6 +22,7 @@ class QLabel;
 class QPushButton;
 class QTabWidget;
 class QTimer;
+class QVBoxLayout;
 
 namespace zkr {
 
@@ -32,6 +33,7 @@ class frmZKR_MUF_Setup;
 class frmInfo;
 class PaneView;
 class SpotSources;
+class EsWatchLink;
 
 // The main window: tab strip with the result panes, status and own-call
 // labels, buttons and the one-second web refresh timer.
@@ -47,6 +49,8 @@ class frmZKR_MUF : public QMainWindow,
     Q_OBJECT
 public:
     static constexpr int PaneCount = 4;
+    // The Map tab comes after the panes' tabs.
+    static constexpr int MapTab = PaneCount;
 
     frmZKR_MUF(ProgramState &state, Platform &platform, QWidget *parent = nullptr);
     ~frmZKR_MUF() override;
@@ -79,6 +83,8 @@ public:
     void disableFilters();
     SettingsFile &settings() { return settings_; }
     SpotSources &sources() { return *sources_; }
+    // The Es watch with its strip and Map tab.
+    EsWatchLink &esWatch() { return *watchLink_; }
     SetupDialogLink &setupDialog() { return *setupDialog_; }
     frmZKR_MUF_Setup &setupWindow() { return *setup_; }
     // The About window, created on first use.
@@ -168,6 +174,8 @@ private:
     SettingsFile settings_;
     frmInfo *info_ = nullptr;
     std::unique_ptr<SpotSources> sources_;
+    EsWatchLink *watchLink_ = nullptr;
+    QVBoxLayout *column_ = nullptr;
     bool unloading_ = false;
 
     QTabWidget *SSTab1_ = nullptr;

@@ -281,6 +281,30 @@ TEST_F(CliTest, LiveClusterUntilTheTimeIsUpOrATermSignal) {
     }
 }
 
+// --watch prints a line per level reached, stamped with the spot time, and
+// no panes; the bands chosen decide which levels count.
+TEST_F(CliTest, WatchPrintsOneLinePerLevelReached) {
+    const QString session = write(Session);
+    const struct {
+        QStringList bands;
+        QStringList lines;
+    } cases[] = {
+        {{},
+         {"1713Z rising via JN26 FOT=116MHz AZ=232 EL=9 -> IN93",
+          "1713Z confirmed via JN26 FOT=116MHz AZ=232 EL=9 -> IN93"}},
+        {{"--watch-bands", "50"},
+         {"1712Z 6 m open via JO96 FOT=62MHz AZ=34 EL=3 -> KP52",
+          "1712Z 6 m confirmed via JO96 FOT=62MHz AZ=34 EL=3 -> KP52",
+          "1713Z 6 m open via JN26 FOT=116MHz AZ=232 EL=9 -> IN93"}},
+    };
+    for (const auto &c : cases) {
+        const Result r =
+            runCli(QStringList{"--locator", "JO50AA", "--watch"} + c.bands + QStringList{session});
+        EXPECT_EQ(r.exitCode, 0);
+        EXPECT_EQ(r.out.split('\n', Qt::SkipEmptyParts), c.lines);
+    }
+}
+
 TEST_F(CliTest, HelpOrStatusTwoForWrongArgumentsAndUnreadableFiles) {
     const Result help = runCli({"--help"});
     EXPECT_EQ(help.exitCode, 0);
@@ -305,6 +329,9 @@ TEST_F(CliTest, HelpOrStatusTwoForWrongArgumentsAndUnreadableFiles) {
         {{"--locator", "JO62QM", "--cluster", "127.0.0.1:7300"}, "--call CALL"},
         {{"--locator", "JO62QM", "--call", "X", "--cluster", "h:1", session}, "no FILE"},
         {{"--locator", "JO62QM", "--seconds", "5", session}, "goes with --cluster"},
+        {{"--locator", "JO62QM", "--watch", "--jsonl", session}, "--watch excludes"},
+        {{"--locator", "JO62QM", "--watch-bands", "50", session}, "goes with --watch"},
+        {{"--locator", "JO62QM", "--watch", "--watch-bands", "50,28", session}, "not \"28\""},
     };
     for (const auto &c : cases) {
         const Result r = runCli(c.arguments);

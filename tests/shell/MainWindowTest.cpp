@@ -1,4 +1,5 @@
 // The main window and the windows it opens, in a program started by the test.
+#include "EsWatchLink.h"
 #include "FrmTelnet.h"
 #include "ProgramEnded.h"
 #include "ShellFakes.h"
@@ -8,6 +9,7 @@
 #include <QDir>
 #include <QLineEdit>
 #include <QPlainTextEdit>
+#include <QSignalSpy>
 #include <QTabWidget>
 #include <QTreeWidget>
 
@@ -476,6 +478,77 @@ TEST(SetupDialog, UpdateCheckInTheBackgroundAtStartAndOnTheButton) {
         return again.label("Label_Telnet_Status") == "Update check: no answer from 127.0.0.1";
     }));
     EXPECT_TRUE(again.platform.messages().isEmpty());
+}
+
+// A live 2 m Es spot near the own station: alerts through the platform,
+// the strip names the cloud, the Map tab follows the four pane tabs without
+// disturbing them, and a click on its marker selects the spot in All.
+TEST(EsWatchWindow, AlertStripMapAndSelectionInTheAllPane) {
+    SetupRig rig;
+    rig.platform.setNotificationsAvailable(false);
+    rig.start();
+    ASSERT_TRUE(waitFor([&] { return rig.node.logins().size() == 1; }));
+    const QString now = QDateTime::currentDateTimeUtc().toString("HHmm");
+    rig.node.send(
+        ("DX de S57TW:    144174.0  IK0FTA       JO62QM ES IN80                 " + now + "Z\r\n")
+            .toLatin1());
+    ASSERT_TRUE(waitFor([&] { return rig.platform.log().filter("notify").size() == 3; }));
+    const QStringList alerts = rig.platform.log().filter("notify");
+    EXPECT_TRUE(alerts[0].contains("\"rising via JN26 FOT=144MHz AZ=229 EL=3 -> IN80\" -> "
+                                   "unavailable"))
+        << alerts[0].toStdString();
+    EXPECT_TRUE(alerts[1].contains("\"2 m open via JN26"));
+    EXPECT_TRUE(alerts[2].contains("\"confirmed via JN26"));
+    EXPECT_EQ(rig.platform.log().filter("beep 1400 150").size(), 1);
+    EsWatchLink &link = rig.window.esWatch();
+    EXPECT_TRUE(link.strip().text().startsWith("ALERT confirmed via JN26"))
+        << link.strip().text().toStdString();
+    EXPECT_TRUE(link.strip().text().contains("Es now: JN26  confirmed  FOT 144 MHz"));
+    EXPECT_EQ(link.strip().background(), 0xC000C0u);
+
+    QTabWidget *tabs = rig.window.SSTab1();
+    ASSERT_EQ(tabs->count(), 5);
+    EXPECT_EQ(tabs->tabText(frmZKR_MUF::MapTab), "Map");
+    tabs->setCurrentIndex(frmZKR_MUF::MapTab);
+    rig.platform.setClipboardText("kept");
+    rig.window.Copy_Click();
+    EXPECT_EQ(rig.platform.clipboardText(), "kept");
+
+    // Another line on top: the spot is the second line of All.
+    rig.window.workingPane(0).insertColored(QStringLiteral("newer line\r\n"), 0);
+    rig.window.refreshPanes();
+    EsMapView &map = link.map();
+    map.resize(800, 600);
+    QSignalSpy chosen(&map, &EsMapView::spotChosen);
+    const WatchCloud *cloud = link.watch().bestCloud();
+    ASSERT_NE(cloud, nullptr);
+    const QPoint marker = map.markerPixel(*cloud).toPoint();
+    EXPECT_EQ(map.cloudAt(marker + QPoint(3, 3)), cloud);
+    EXPECT_EQ(map.cloudAt(marker + QPoint(40, 0)), nullptr);
+    QTest::mouseClick(&map, Qt::LeftButton, {}, marker);
+    ASSERT_EQ(chosen.size(), 1);
+    EXPECT_EQ(tabs->currentIndex(), 0);
+    EXPECT_EQ(rig.window.displayPane(0)->selectedLine(), 1);
+    rig.window.workingPane(0).insertColored(QStringLiteral("newest line\r\n"), 0);
+    rig.window.refreshPanes();
+    EXPECT_EQ(rig.window.displayPane(0)->selectedLine(), 2); // stays on the spot
+}
+
+// The setup's Es watch box writes its section and the watch follows.
+TEST(EsWatchWindow, SetupWritesTheWatchSectionAndTheWatchFollows) {
+    SetupRig rig;
+    rig.start();
+    rig.openSetup([&](frmZKR_MUF_Setup &dialog) {
+        EXPECT_EQ(dialog.watchSettings(), WatchSettings()); // 144 MHz only
+        rig.field<QCheckBox>("CheckBox_EsWatch0")->click(); // 6 m
+        rig.field<QCheckBox>("CheckBox_EsWatch6")->click(); // sound
+        dialog.Command_SaveConfig_Click();
+    });
+    EXPECT_TRUE(rig.ini().contains("[EsWatch]\r\nBand50=on\r\nBand70=off\r\nBand144=on\r\n"))
+        << rig.ini().toStdString();
+    EXPECT_TRUE(rig.ini().contains("Sound=off"));
+    EXPECT_TRUE(rig.window.esWatch().watch().settings().band50);
+    EXPECT_FALSE(rig.window.esWatch().watch().settings().sound);
 }
 
 } // namespace

@@ -1,0 +1,58 @@
+#pragma once
+
+#include "EsMapView.h"
+#include "EsNowStrip.h"
+#include "EsWatch.h"
+#include "WatchAlerts.h"
+
+#include <QObject>
+
+class QTimer;
+
+namespace zkr {
+
+struct ProgramState;
+class Platform;
+class SpotPipeline;
+class frmZKR_MUF;
+
+// The Es watch in the window: takes every evaluated spot, alerts through
+// the platform, and feeds the "Es now" strip and the Map tab. Spots of a
+// replayed file run on their own times, live spots on the wall clock.
+class EsWatchLink : public QObject {
+    Q_OBJECT
+public:
+    // How often the strip's ages and the levels move without spots.
+    static constexpr int AgingMs = 30 * 1000;
+
+    EsWatchLink(ProgramState &state, Platform &platform, SpotPipeline &pipeline,
+                frmZKR_MUF &window);
+
+    EsWatch &watch() { return watch_; }
+    EsNowStrip &strip() { return *strip_; }
+    EsMapView &map() { return *map_; }
+    // Reads the watch's section of the settings file (after a start or a
+    // save of the setup).
+    void readSettings();
+    // The own station of the map follows the settings.
+    void followOwnLocator();
+    // Shows the spot's line in the All pane, selected; false when the pane
+    // no longer holds it.
+    bool selectInAllPane(const WatchSpot &spot);
+
+private:
+    void onSpot(const EvaluatedSpot &spot);
+
+    ProgramState &state_;
+    Platform &platform_;
+    frmZKR_MUF &window_;
+    EsWatch watch_;
+    WatchAlerts alerts_;
+    EsNowStrip *strip_;
+    EsMapView *map_;
+    QTimer *aging_;
+    bool settingsRead_ = false;
+    QString ownLocator_;
+};
+
+} // namespace zkr

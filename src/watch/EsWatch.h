@@ -1,0 +1,146 @@
+#pragma once
+
+#include "EvaluatedSpot.h"
+#include "WatchSettings.h"
+
+#include <QDateTime>
+#include <QHash>
+#include <QObject>
+
+#include <deque>
+#include <functional>
+#include <vector>
+
+namespace zkr {
+
+// One spot of a cloud, as much as the strip, the map and a tooltip need.
+struct WatchSpot {
+    QDateTime time;  // when it was made (see EsWatch::setSpotTimeClock)
+    QString printed; // the line as printed in the panes, without its line end
+    QString spotter;
+    QString dxCall;
+    float frequency = 0; // MHz
+    bool esMode = false; // marked as an Es spot
+    EsPath es;
+};
+
+// A cloud seen in the last CloudKeptSecs: its spots (newest first) and what
+// they say now.
+struct WatchCloud {
+    QString square;     // 4 characters
+    QDateTime lastSpot; // time of the newest spot
+    // The cloud's reading: over its spots of the ReadingSecs up to its
+    // newest spot, while it is live (0 when it is not).
+    double muf = 0;    // highest Es MUF of a spot path through the cloud
+    double ownMuf = 0; // highest MUF from the own station via the cloud
+    // The live spot with the highest own MUF, else the newest spot: its
+    // course, elevation, far square and distance.
+    EsPath best;
+    WatchLevel level = WatchLevel::None; // highest enabled level held now
+    unsigned levels = 0;                 // bit (int)level for every level held now
+    bool live = false;                   // a spot in the last CloudLiveSecs
+    std::deque<WatchSpot> spots;
+    // The highest Es MUF of every spot kept, for the map's colour.
+    double keptMuf() const;
+    // Above the own horizon: the own MUF is computed.
+    bool inRange() const { return ownMuf > 0; }
+};
+
+// Watches the evaluated spots for the Es clouds that serve the own station,
+// decides the levels they reach and says when a level is reached.
+//
+// A cloud is keyed by the 4-character square of the path midpoint. It
+// counts for CloudLiveSecs after its last spot and is kept (for the map)
+// for CloudKeptSecs. A level reached again within NoRepeatSecs of its last
+// alert (a reading going up and down around a threshold) is not announced. Each cloud keeps at most
+// MaxSpotsPerCloud spots, and clouds are dropped once too old, so the cost of a spot does not grow
+// with the length of the run.
+//
+// Time comes from a clock: the wall clock (UTC) for live sources, or the
+// spots' own times for a replayed file, where the latest spot time seen is
+// "now" (else a recorded opening would expire all at once).
+class EsWatch : public QObject {
+    Q_OBJECT
+public:
+    static constexpr qint64 CloudLiveSecs = 15 * 60;
+    static constexpr qint64 CloudKeptSecs = 30 * 60;
+    // A cloud reads what its spots of the last 5 minutes before its newest
+    // say: a falling MUF shows as it falls, and one odd path does not decide
+    // alone.
+    static constexpr qint64 ReadingSecs = 5 * 60;
+    static constexpr qint64 NoRepeatSecs = 10 * 60;
+    static constexpr std::size_t MaxSpotsPerCloud = 20;
+    // The own MUF from which a cloud is "rising" towards 2 m.
+    static constexpr int RisingMHz = 100;
+
+    explicit EsWatch(QObject *parent = nullptr);
+
+    void setSettings(const WatchSettings &settings);
+    const WatchSettings &settings() const { return settings_; }
+    // Live sources: "now" is this clock (UTC).
+    void setWallClock(std::function<QDateTime()> clock);
+    // Replayed files: "now" is the latest spot time seen.
+    void setSpotTimeClock();
+    bool usesSpotTime() const { return !clock_; }
+    QDateTime now() const;
+
+    // Takes a spot; only Es results that are not doubtful count.
+    void addSpot(const EvaluatedSpot &spot);
+    // Ages the clouds to the current time (live sources call it now and
+    // then so that the strip's age and the levels move without spots).
+    void refresh();
+    // Forgets every cloud and alert (a new file, a new own locator).
+    void clear();
+
+    // Clouds kept, any order.
+    std::vector<const WatchCloud *> clouds() const;
+    // The best live cloud in range: highest level, then highest own MUF;
+    // null when there is none.
+    const WatchCloud *bestCloud() const;
+
+    // The alert text of a level reached by a cloud, for example
+    // "2 m open via JN14 FOT=152MHz AZ=226 EL=4 -> IN83".
+    static QString alertText(const WatchCloud &cloud, WatchLevel level);
+    // The strip's words for the cloud at `now`: square, level, own MUF,
+    // course and elevation, far square, the bands it opens and its age, for
+    // example "JN14  2 m open  FOT 152 MHz  AZ 226 EL 4  -> IN83  opens 6 m
+    // 4 m 2 m  3 min ago"; `NoCloudsText` for none.
+    static QString describe(const WatchCloud *cloud, const QDateTime &now);
+    static inline const QString NoCloudsText = QStringLiteral("no Es clouds in range");
+    // The time of a spot on the spots' clock: its hhmmZ taken on the day
+    // that puts it nearest to `now` (a file crossing midnight, or dated by
+    // the day it is replayed on).
+    static QDateTime alignToNow(const QDateTime &spotTime, const QDateTime &now);
+
+Q_SIGNALS:
+    // The set of clouds or what they say changed.
+    void cloudsChanged();
+    // An enabled level was reached (not within NoRepeatSecs of the same
+    // square and level).
+    void levelReached(const zkr::WatchCloud &cloud, zkr::WatchLevel level, const QString &text);
+
+private:
+    struct AlertKey {
+        QString square;
+        WatchLevel level;
+        friend bool operator==(const AlertKey &, const AlertKey &) = default;
+        friend size_t qHash(const AlertKey &key, size_t seed = 0) {
+            return qHashMulti(seed, key.square, static_cast<int>(key.level));
+        }
+    };
+
+    // Recomputes what the cloud says at `now`; announces levels newly held.
+    void update(WatchCloud &cloud, const QDateTime &now, bool announce);
+    void expire(const QDateTime &now);
+
+    WatchSettings settings_;
+    std::function<QDateTime()> clock_;
+    QDateTime spotNow_; // latest spot time seen, for the spots' clock
+    QHash<QString, WatchCloud> clouds_;
+    QHash<AlertKey, QDateTime> lastAlert_;
+    QDateTime nextExpiry_;
+};
+
+} // namespace zkr
+
+Q_DECLARE_METATYPE(zkr::WatchLevel)

@@ -20,6 +20,8 @@ namespace zkr {
 
 namespace {
 
+const QColor SeaColour(0xDD, 0xEE, 0xFA);
+
 constexpr double MarkerRadius = 6;
 constexpr int MaxSpotsListed = 12;
 // Markers get their square written beside them while there are few.
@@ -131,7 +133,7 @@ void EsMapView::buildBackground() {
     const qreal ratio = devicePixelRatioF();
     background_ = QPixmap(size() * ratio);
     background_.setDevicePixelRatio(ratio);
-    background_.fill(QColor(0xDD, 0xEE, 0xFA)); // sea
+    background_.fill(SeaColour);
     QPainter painter(&background_);
     painter.setRenderHint(QPainter::Antialiasing);
 
@@ -264,15 +266,21 @@ void EsMapView::drawClouds(QPainter &painter) {
             }
         }
     }
-    // Thin paths without antialiasing: a thousand long antialiased lines
-    // would cost a frame each.
+    // Thin opaque paths without antialiasing, faded towards the sea colour
+    // rather than made transparent: the raster engine draws translucent
+    // lines some twenty times slower, a thousand of them a frame each.
     painter.setRenderHint(QPainter::Antialiasing, false);
     painter.setBrush(Qt::NoBrush);
     for (std::size_t i = 0; i < buckets.size(); ++i) {
-        const int alpha = fadeAlpha((static_cast<double>(i % FadeSteps) + 0.5) *
-                                    EsWatch::CloudKeptSecs / FadeSteps) *
-                          3 / 4;
-        const QColor colour = fromRgb(mufClassAt(static_cast<int>(i / FadeSteps)).rgb, alpha);
+        const double weight = fadeAlpha((static_cast<double>(i % FadeSteps) + 0.5) *
+                                        EsWatch::CloudKeptSecs / FadeSteps) *
+                              0.75 / 255.0;
+        const QColor full = fromRgb(mufClassAt(static_cast<int>(i / FadeSteps)).rgb, 255);
+        const auto mix = [weight](int ink, int sea) {
+            return static_cast<int>(std::lround(ink * weight + sea * (1 - weight)));
+        };
+        const QColor colour(mix(full.red(), SeaColour.red()), mix(full.green(), SeaColour.green()),
+                            mix(full.blue(), SeaColour.blue()));
         painter.setPen(QPen(colour, 0));
         painter.drawLines(buckets[i].paths);
         painter.setPen(QPen(colour, 0, Qt::DashLine));

@@ -51,10 +51,9 @@ int main(int argc, char *argv[]) {
         return 0;
     }
     QApplication app(argc, argv);
-    // The name makes the per-user folders (~/.config/zkr_muf); the display
-    // name is what the desktop shows.
+    // The name makes the per-user folders (~/.config/zkr_muf). No display
+    // name: Qt would append it to every window title.
     QApplication::setApplicationName(QStringLiteral("zkr_muf"));
-    QApplication::setApplicationDisplayName(QStringLiteral("ZKR_MUF"));
     QApplication::setApplicationVersion(QLatin1String(zkr::build::Version));
     // Lets Wayland compositors and task bars match the window to the
     // installed menu entry and its icon.

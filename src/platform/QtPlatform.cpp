@@ -8,6 +8,7 @@
 #include <QFileDialog>
 #include <QInputDialog>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMainWindow>
 #include <QMessageBox>
 #include <QPointer>
@@ -202,8 +203,11 @@ std::optional<QString> QtPlatform::inputBox(const QString &prompt, const QString
     }
     // Wide enough for its title and a call sign or locator: the title bar
     // would otherwise cut "ZKR_MUF" to its end.
+    // The dialog sizes itself to its contents, so the field is widened.
     const QFontMetrics metrics(QApplication::font("QWorkspaceTitleBar"));
-    box.setMinimumWidth(std::max(320, metrics.horizontalAdvance(box.windowTitle()) + 160));
+    if (auto *field = box.findChild<QLineEdit *>()) {
+        field->setMinimumWidth(std::max(300, metrics.horizontalAdvance(box.windowTitle()) + 160));
+    }
     placeWhenShown(box);
     if (box.exec() != QDialog::Accepted) {
         return std::nullopt;

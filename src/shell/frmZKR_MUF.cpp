@@ -112,6 +112,7 @@ void frmZKR_MUF::buildControls() {
     Label_LastSpot_->setFixedWidth(
         Label_LastSpot_->fontMetrics().horizontalAdvance(QStringLiteral("last spot 00:00:00Z")) +
         8);
+    Label_LastSpot_->setVisible(false); // its room goes to the status until a spot came
     Label_OwnCall_->setVisible(false);
     Label_OwnLocator_->setVisible(false);
     Label_Telnet_Status_->setVisible(false);

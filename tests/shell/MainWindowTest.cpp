@@ -67,7 +67,7 @@ TEST(MainWindow, ExitAndClosingTheWindowBothSavePositionAndTab) {
     for (const bool byFrame : {false, true}) {
         test::ProgramRig rig;
         rig.state.IniFilePath = rig.folder.filePath("zkr_muf.ini");
-        rig.window.move(123, 45);
+        rig.window.moveMainWindow({123, 45}); // what start-up restores is what is saved
         rig.window.SSTab1()->setCurrentIndex(2);
         if (byFrame) {
             EXPECT_THROW(rig.window.close(), ProgramEnded);
@@ -79,6 +79,13 @@ TEST(MainWindow, ExitAndClosingTheWindowBothSavePositionAndTab) {
         EXPECT_EQ(rig.label("Label_Telnet_Status"),
                   " Not connected ! Click to Check Setup or check your firewall settings !");
     }
+    // However long the status, the window fits a 1,024-pixel screen; the tooltip has it whole.
+    test::ProgramRig rig;
+    const QString longStatus = "Reconnecting to " + QString(200, 'X') + " in 300 s (attempt 12)";
+    rig.window.setStatusLabel(longStatus, 0xFFFFFF);
+    rig.window.showLastSpot(QDateTime::currentDateTimeUtc());
+    EXPECT_LE(rig.window.minimumSizeHint().width(), 1024);
+    EXPECT_EQ(rig.child("Label_Telnet_Status")->toolTip(), longStatus);
 }
 
 // The service's page: its 79-character redirect script, then spots in the web columns.

@@ -181,7 +181,9 @@ void SpotSources::onSpotLine(const QString &line) {
 
 void SpotSources::onSpot(const EvaluatedSpot &spot) {
     writer_.writeSpot(spot);
-    window_.refreshPanes();
+    if (!writer_.inPage()) {
+        window_.refreshPanes();
+    }
     if (console_ != nullptr) {
         console_->setDataField(spot.line);
     }

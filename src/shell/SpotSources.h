@@ -95,6 +95,9 @@ private:
     std::deque<QString> recentLines_;
     qsizetype recordChars_ = 0;
     bool reportFailure_ = false;
+    // From a page's fetch until it is evaluated or its failure reported:
+    // one page at a time, however often the timer or the user asks.
+    bool pageCycle_ = false;
     QString lastReportedError_;
     // A window of its own, like the main window, not one inside it.
     std::unique_ptr<FrmTelnet> console_;

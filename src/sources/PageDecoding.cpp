@@ -25,73 +25,40 @@ bool isSpace(char c) {
     return c == ' ' || c == '\t' || c == '\n' || c == '\r' || c == '\f';
 }
 
-char lower(char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + 'a') : c;
-}
-
-// Finds `word` (lower case) in `text` from `from` on, ignoring case.
-qsizetype findNoCase(QByteArrayView text, QByteArrayView word, qsizetype from) {
-    for (qsizetype i = from; i + word.size() <= text.size(); ++i) {
-        qsizetype k = 0;
-        while (k < word.size() && lower(text[i + k]) == word[k]) {
-            ++k;
+// The first charset named in lower-case `text` ("charset = 'utf-8'"); a
+// "charset" without "=" after it names none.
+std::optional<QByteArray> charsetIn(const QByteArray &text) {
+    for (qsizetype at = text.indexOf("charset"); at >= 0; at = text.indexOf("charset", at + 1)) {
+        qsizetype i = at + 7;
+        while (i < text.size() && isSpace(text[i])) {
+            ++i;
         }
-        if (k == word.size()) {
-            return i;
+        if (i >= text.size() || text[i] != '=') {
+            continue;
         }
-    }
-    return -1;
-}
-
-// The value after "charset" at `at` ("charset = 'utf-8'"), or nothing when no
-// "=" follows.
-std::optional<QByteArray> charsetValue(QByteArrayView text, qsizetype at) {
-    qsizetype i = at + 7;
-    while (i < text.size() && isSpace(text[i])) {
-        ++i;
-    }
-    if (i >= text.size() || text[i] != '=') {
-        return std::nullopt;
-    }
-    ++i;
-    while (i < text.size() && isSpace(text[i])) {
-        ++i;
-    }
-    if (i < text.size() && (text[i] == '"' || text[i] == '\'')) {
-        ++i;
-    }
-    const qsizetype start = i;
-    while (i < text.size() && !isSpace(text[i]) && text[i] != '"' && text[i] != '\'' &&
-           text[i] != ';' && text[i] != '>' && text[i] != '/') {
-        ++i;
-    }
-    return text.sliced(start, i - start).toByteArray().toLower();
-}
-
-std::optional<QByteArray> headerCharset(QByteArrayView contentType) {
-    for (qsizetype at = findNoCase(contentType, "charset", 0); at >= 0;
-         at = findNoCase(contentType, "charset", at + 1)) {
-        if (auto value = charsetValue(contentType, at)) {
-            return value;
+        do {
+            ++i;
+        } while (i < text.size() && isSpace(text[i]));
+        if (i < text.size() && (text[i] == '"' || text[i] == '\'')) {
+            ++i;
         }
+        const qsizetype start = i;
+        while (i < text.size() && !isSpace(text[i]) &&
+               !QByteArrayView("\"';>/").contains(text[i])) {
+            ++i;
+        }
+        return text.mid(start, i - start);
     }
     return std::nullopt;
 }
 
 std::optional<QByteArray> metaCharset(QByteArrayView body) {
-    const QByteArrayView head = body.first(std::min(body.size(), MetaPrescanBytes));
-    for (qsizetype tag = findNoCase(head, "<meta", 0); tag >= 0;
-         tag = findNoCase(head, "<meta", tag + 1)) {
-        qsizetype end = head.indexOf('>', tag);
-        if (end < 0) {
-            end = head.size();
-        }
-        const QByteArrayView inside = head.sliced(tag, end - tag);
-        for (qsizetype at = findNoCase(inside, "charset", 0); at >= 0;
-             at = findNoCase(inside, "charset", at + 1)) {
-            if (auto value = charsetValue(inside, at)) {
-                return value;
-            }
+    const QByteArray head =
+        body.first(std::min(body.size(), MetaPrescanBytes)).toByteArray().toLower();
+    for (qsizetype tag = head.indexOf("<meta"); tag >= 0; tag = head.indexOf("<meta", tag + 1)) {
+        const qsizetype end = head.indexOf('>', tag);
+        if (auto charset = charsetIn(head.mid(tag, end < 0 ? -1 : end - tag))) {
+            return charset;
         }
     }
     return std::nullopt;
@@ -124,7 +91,7 @@ QString decodeWebPage(QByteArrayView body, QByteArrayView contentType) {
             return decoder(body);
         }
     }
-    std::optional<QByteArray> charset = headerCharset(contentType);
+    std::optional<QByteArray> charset = charsetIn(contentType.toByteArray().toLower());
     if (!charset) {
         charset = metaCharset(body);
     }

@@ -13,21 +13,17 @@ TEST(PageDecoding, ReadsUtf8OnlyWhenThePageSaysSoAndWindows1252Otherwise) {
     const QString text = QString::fromUtf8("€ “Es” é");
     const QByteArray metaUtf8 = "<html><head><META CHARSET = 'UTF-8'></head>";
     const QByteArray httpEquiv =
-        "<meta name=x><meta http-equiv=\"Content-Type\" content=\"text/html; charset=utf8\">";
+        "<meta name=x><META http-equiv=\"Content-Type\" content=\"text/html; Charset = utf8\">";
     // clang-format off
     const struct { const char *name; QByteArray contentType, body; QString expected; } cases[] = {
         // Every printable character of 0x80-0x9F; the free ones stay C1 codes.
-        {"Windows-1252 specials", "", "\x80\x81\x82\x85\x8A\x8D\x8E\x91\x92\x93\x94\x96\x97\x99\x9C\x9F",
-         "€\u0081‚…Š\u008DŽ‘’“”–—™œŸ"},
-        {"Latin-1 above 0x9F", "text/html", "\xA0\xB0\xE9\xFC\xFF", "\u00A0°éüÿ"},
-        {"header", "text/html; charset=UTF-8", utf8, text},
+        {"Windows-1252 specials", "", "\x80\x81\x82\x85\x8A\x8D\x8E\x91\x92\x93\x94\x96\x97\x99\x9C\x9F\xA0\xE9",
+         "€\u0081‚…Š\u008DŽ‘’“”–—™œŸ\u00A0é"},
         {"quoted header", "text/html;charset=\"utf-8\"", utf8, text},
         {"header says single-byte", "text/html; charset=iso-8859-1", "\x93x\x94", "“x”"},
         {"header wins over meta", "text/html; charset=windows-1252", metaUtf8 + "\x80",
          QString::fromLatin1(metaUtf8) + "€"},
-        {"meta charset", "text/html", metaUtf8 + utf8, QString::fromLatin1(metaUtf8) + text},
         {"http-equiv", "", httpEquiv + utf8, QString::fromLatin1(httpEquiv) + text},
-        {"meta says single-byte", "", "<meta charset=windows-1252>\x80", "<meta charset=windows-1252>€"},
         {"charset only in the text", "", "<p>charset=utf-8</p>\x80", "<p>charset=utf-8</p>€"},
         {"meta too far down", "", QByteArray(1024, ' ') + metaUtf8 + "\x80",
          QString(1024, u' ') + QString::fromLatin1(metaUtf8) + "€"},

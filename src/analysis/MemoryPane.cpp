@@ -12,8 +12,17 @@ const QString LineEnd = QStringLiteral("\r\n");
 
 // Inserts a run of `length` characters at `offset` into `runs`, splitting the
 // run it falls into, and merges it with equally coloured neighbours.
-void insertRun(QList<ColourRun> &runs, std::int64_t offset, std::int32_t length,
+void insertRun(QList<ColourRun> &runs, std::int64_t offset, std::int64_t total, std::int32_t length,
                std::uint32_t colour) {
+    if (offset == total) {
+        // Printing at the end, as a page does line by line: no walk.
+        if (!runs.empty() && runs.back().colour == colour) {
+            runs.back().length += length;
+        } else {
+            runs.push_back(ColourRun{length, colour});
+        }
+        return;
+    }
     qsizetype i = 0;
     std::int64_t start = 0;
     while (i < runs.size() && start + runs[i].length <= offset) {
@@ -41,24 +50,36 @@ void insertRun(QList<ColourRun> &runs, std::int64_t offset, std::int32_t length,
     }
 }
 
-// Cuts the first `count` characters' runs off `runs` and returns them.
-QList<ColourRun> takeRuns(QList<ColourRun> &runs, std::int64_t count) {
-    QList<ColourRun> taken;
-    qsizetype i = 0;
-    while (count > 0 && i < runs.size()) {
-        if (runs[i].length <= count) {
-            taken.push_back(runs[i]);
-            count -= runs[i].length;
-            ++i;
-        } else {
-            taken.push_back({static_cast<std::int32_t>(count), runs[i].colour});
-            runs[i].length -= static_cast<std::int32_t>(count);
-            count = 0;
+// Reads a run list from the front, a given number of characters at a time,
+// without moving what is left: a block of a whole web page has as many runs
+// as lines.
+class RunReader {
+public:
+    explicit RunReader(const QList<ColourRun> &runs) : runs_(runs) {}
+
+    QList<ColourRun> take(std::int64_t count) {
+        QList<ColourRun> taken;
+        while (count > 0 && index_ < runs_.size()) {
+            const std::int64_t left = runs_[index_].length - used_;
+            const std::int64_t part = std::min(left, count);
+            taken.push_back({static_cast<std::int32_t>(part), runs_[index_].colour});
+            count -= part;
+            used_ += part;
+            if (used_ == runs_[index_].length) {
+                ++index_;
+                used_ = 0;
+            }
         }
+        return taken;
     }
-    runs.remove(0, i);
-    return taken;
-}
+    // What has not been taken.
+    QList<ColourRun> rest() { return take(std::numeric_limits<std::int64_t>::max()); }
+
+private:
+    const QList<ColourRun> &runs_;
+    qsizetype index_ = 0;
+    std::int64_t used_ = 0;
+};
 
 void appendRuns(QList<ColourRun> &to, const QList<ColourRun> &from) {
     for (const ColourRun &run : from) {
@@ -107,8 +128,8 @@ void MemoryPane::insertColored(QStringView text, std::uint32_t colour) {
     if (caret_ > block_.size()) {
         uncommitThrough(caret_);
     }
+    insertRun(blockRuns_, caret_, block_.size(), static_cast<std::int32_t>(text.size()), colour);
     block_.insert(caret_, text);
-    insertRun(blockRuns_, caret_, static_cast<std::int32_t>(text.size()), colour);
     setCaret(static_cast<int>(caret_ + text.size()));
 }
 
@@ -131,27 +152,28 @@ void MemoryPane::commit() {
     // Complete lines of the block go on top in their order; a last piece
     // without line end joins the front of the line that was on top.
     std::vector<PaneLine> complete;
+    RunReader runs(blockRuns_);
     qsizetype from = 0;
     for (qsizetype end = block_.indexOf(LineEnd); end >= 0; end = block_.indexOf(LineEnd, from)) {
         PaneLine line;
         line.text = block_.mid(from, end - from);
-        line.runs = takeRuns(blockRuns_, end - from);
-        takeRuns(blockRuns_, LineEnd.size());
+        line.runs = runs.take(end - from);
+        runs.take(LineEnd.size());
         complete.push_back(std::move(line));
         from = end + LineEnd.size();
     }
     if (from < block_.size()) {
         const QString rest = block_.mid(from);
         if (lines_.empty()) {
-            lines_.push_front(PaneLine{rest, std::move(blockRuns_)});
+            lines_.push_front(PaneLine{rest, runs.rest()});
             lastLineEnded_ = false;
         } else {
             PaneLine &top = lines_.front();
             top.text.prepend(rest);
             top.text.squeeze();
-            QList<ColourRun> runs = std::move(blockRuns_);
-            appendRuns(runs, top.runs);
-            top.runs = std::move(runs);
+            QList<ColourRun> joined = runs.rest();
+            appendRuns(joined, top.runs);
+            top.runs = std::move(joined);
         }
     }
     if (!lines_.empty()) {

@@ -21,6 +21,9 @@ public:
     void beginPage();
     // "Sorry - no Es-spots found !" into every pane that got no Es result.
     void endPage(unsigned panesWithEs);
+    // Within a page the panes are committed once, at its end: committing
+    // line by line would move the page's text back and forth every time.
+    bool inPage() const { return pageOpen_; }
     // Replaces what every pane holds with one line in black ("The Webserver
     // may be down !").
     void writeNotice(const QString &text);

@@ -3,6 +3,7 @@
 #include "CliOptions.h"
 #include "ClusterSession.h"
 #include "FileReplay.h"
+#include "PageDecoding.h"
 #include "PaneOutput.h"
 #include "RunModes.h"
 #include "SpotLineParsing.h"
@@ -68,7 +69,9 @@ void CliReplay::connectFeed(ClusterFeed &feed) {
 void CliReplay::onSpot(const EvaluatedSpot &spot) {
     writer_.writeSpot(spot);
     // Committed spot by spot: a pane's new text is built at its top.
-    refreshDisplay();
+    if (!writer_.inPage()) {
+        refreshDisplay();
+    }
     if (!spot.error.isEmpty() && !messages_.contains(spot.error)) {
         messages_.append(spot.error);
     }
@@ -94,7 +97,7 @@ qint64 CliReplay::replayClusterText(QIODevice &input) {
 }
 
 void CliReplay::evaluateSpotPage(QIODevice &input) {
-    const QString page = QString::fromLatin1(input.readAll());
+    const QString page = decodeWebPage(input.readAll());
     if (Is_ErrorPage(page)) {
         writer_.writeNotice(QStringLiteral("The Webserver may be down !"));
         refreshDisplay();

@@ -12,6 +12,7 @@
 #include "frmZKR_MUF.h"
 
 #include <QFileInfo>
+#include <QScopeGuard>
 #include <QTimer>
 
 #include <utility>
@@ -233,7 +234,9 @@ void SpotSources::onSpot(const EvaluatedSpot &spot) {
 
 void SpotSources::showSpot(const EvaluatedSpot &spot) {
     writer_.writeSpot(spot);
-    window_.refreshPanes();
+    if (!writer_.inPage()) {
+        window_.refreshPanes();
+    }
     window_.showLastSpot(spot.received);
     ++replayedSpots_;
     if (console_ != nullptr) {
@@ -342,14 +345,17 @@ void SpotSources::Replay_SpotFile() {
 // --- Web spot page ---
 
 void SpotSources::Evaluate_SpotPage() {
-    if (state_.Busy || web_.isBusy()) {
-        return; // the setup holds the program, or a fetch is under way
+    if (state_.Busy || pageCycle_ || web_.isBusy()) {
+        return; // the setup holds the program, or a page is under way
     }
+    pageCycle_ = true;
     window_.showWorkLabel(QStringLiteral("DOWNLOADING"));
     web_.fetch(state_.WebCluster_Url);
 }
 
 void SpotSources::onPage(const QString &page) {
+    // A box shown while the page is evaluated lets the refresh timer run.
+    const auto cycleEnd = qScopeGuard([this] { pageCycle_ = false; });
     if (Is_ErrorPage(page)) {
         writer_.writeNotice(QStringLiteral("The Webserver may be down !"));
         window_.refreshPanes();
@@ -374,6 +380,8 @@ void SpotSources::onPage(const QString &page) {
 }
 
 void SpotSources::onPageFailed() {
+    // The warning waits for the user; the timer must not stack more behind it.
+    const auto cycleEnd = qScopeGuard([this] { pageCycle_ = false; });
     MsgBox_Timed(state_, platform_, window_);
     state_.FirstFetch = true;
     state_.Web_Offline = true;

@@ -114,6 +114,9 @@ private:
     qsizetype recordChars_ = 0;
     qsizetype replayedSpots_ = 0; // spots since the last replay began
     bool reportFailure_ = false;
+    // From a page's fetch until it is evaluated or its failure reported:
+    // one page at a time, however often the timer or the user asks.
+    bool pageCycle_ = false;
     QString lastReportedError_;
     SpotHistory history_;
     bool historyEnabled_ = false;

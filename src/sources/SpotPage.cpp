@@ -3,25 +3,28 @@
 namespace zkr {
 
 QString Strip_Tags(QString text) {
-    for (;;) {
-        const qsizetype open = text.indexOf(QLatin1Char('<'));
-        if (open < 0) {
-            return text;
-        }
-        const qsizetype close = text.indexOf(QLatin1Char('>'));
-        if (close <= open) {
-            const qsizetype next = text.indexOf(QLatin1Char('>'), open);
-            if (next < 0) {
-                // An unmatched "<" would never leave the loop.
-                return text;
-            }
-            // A stray ">" before the first "<" would stop the loop for
-            // ever too; it is text, the tag is the pair after it.
-            text.remove(open, next - open + 1);
-            continue;
-        }
-        text.remove(open, close - open + 1);
+    // One pass: what stands before the first "<" never changes again, so
+    // each removal can go on from where the last one ended instead of
+    // searching the whole text anew.
+    const qsizetype firstOpen = text.indexOf(QLatin1Char('<'));
+    if (firstOpen < 0) {
+        return text;
     }
+    QString out;
+    out.reserve(text.size());
+    qsizetype from = 0;
+    for (qsizetype open = firstOpen; open >= 0; open = text.indexOf(QLatin1Char('<'), from)) {
+        // A ">" before the "<" is text; the tag ends at the next ">" after it.
+        const qsizetype close = text.indexOf(QLatin1Char('>'), open);
+        if (close < 0) {
+            // An unmatched "<" would never leave the loop: the rest stays.
+            break;
+        }
+        out.append(QStringView(text).sliced(from, open - from));
+        from = close + 1;
+    }
+    out.append(QStringView(text).sliced(from));
+    return out;
 }
 
 QStringList Split_SpotPage(const QString &strippedPage) {

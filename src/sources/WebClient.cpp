@@ -1,5 +1,6 @@
 #include "WebClient.h"
 
+#include "PageDecoding.h"
 #include <QNetworkAccessManager>
 #include <QNetworkReply>
 #include <QNetworkRequest>
@@ -8,18 +9,6 @@
 #include <algorithm>
 
 namespace zkr {
-
-namespace {
-
-QString decodeBody(const QByteArray &body, const QString &contentType) {
-    // Pages are read as single-byte text unless they say they are UTF-8.
-    if (contentType.contains(QLatin1String("utf-8"), Qt::CaseInsensitive)) {
-        return QString::fromUtf8(body);
-    }
-    return QString::fromLatin1(body);
-}
-
-} // namespace
 
 WebClient::WebClient(QObject *parent) : WebClient(Options{}, parent) {}
 
@@ -87,8 +76,7 @@ void WebClient::onFinished() {
                           error != QNetworkReply::TooManyRedirectsError;
     if (answered) {
         lastOpened_ = true;
-        Q_EMIT fetched(decodeBody(reply->readAll(),
-                                  reply->header(QNetworkRequest::ContentTypeHeader).toString()));
+        Q_EMIT fetched(decodeWebPage(reply->readAll(), reply->rawHeader("Content-Type")));
         return;
     }
     lastError_ =

@@ -90,10 +90,11 @@ TEST(WebClient, FailsAfterItsAttemptsWhenNoServerAnswers) {
 TEST(SpotPage, StripsTagsSplitsAfterTheRedirectScriptAndKnowsErrorPages) {
     // A stray ">" is text; an unmatched "<" stops the stripping.
     QStringList stripped;
-    for (const char *in : {"<tr><td>DL1ABC</td></tr>", "x>y", "a<b", "a>b<c", "a>b<c>d"}) {
+    for (const char *in : {"<tr><td>DL1ABC</td></tr>", "x>y", "a<b", "a>b<c", "a>b<c>d", "a<b>c<d",
+                           "<<a>b>", "1<>2>3<x"}) {
         stripped << Strip_Tags(in);
     }
-    EXPECT_EQ(stripped.join('|'), "DL1ABC|x>y|a<b|a>b<c|a>bd");
+    EXPECT_EQ(stripped.join('|'), "DL1ABC|x>y|a<b|a>b<c|a>bd|ac<d|b>|12>3<x");
     const QString script = QString(79, 'S');
     EXPECT_EQ(Split_SpotPage(script + "line 1\nline 2\r\n"),
               QStringList({"line 1", "line 2\r", ""}));

@@ -1,0 +1,124 @@
+// The web spot page in the window: the tool's text, one fetch at a time.
+#include "CliOptions.h"
+#include "CliReplay.h"
+#include "ShellFakes.h"
+
+#include <QBuffer>
+
+#include <functional>
+#include <utility>
+
+using namespace zkr;
+
+namespace {
+
+// A box stays open, with events running as under a real one, while
+// `whileOpen` runs (once: under the first box only).
+struct HoldingPlatform : ScriptedPlatform {
+    int messageBox(const QString &text, int buttons, const QString &title) override {
+        if (const auto hold = std::exchange(whileOpen, nullptr)) {
+            hold();
+        }
+        return ScriptedPlatform::messageBox(text, buttons, title);
+    }
+    std::function<void()> whileOpen;
+};
+
+struct WebRig {
+    QTemporaryDir folder;
+    LocalHttpServer web;
+    ProgramState state;
+    HoldingPlatform platform;
+    frmZKR_MUF window{state, platform};
+
+    // An empty body: the server never answers.
+    WebRig(const QByteArray &body, const QByteArray &contentType, int trickleMs = 0) {
+        LocalHttpServer::Response page;
+        page.body = body;
+        page.contentType = contentType;
+        page.trickleMs = trickleMs;
+        page.neverAnswer = body.isEmpty();
+        web.setResponse("/DxSpots.aspx", page);
+        platform.setEnvironmentValue(site::WebClusterUrlVariable, web.url("/DxSpots.aspx"));
+        platform.setApplicationFolder(folder.path());
+        LocalClusterServer::writeSettings(folder.path(), 1);
+        Ini_Write("Call", "OwnCall", "!NOCALL!", folder.filePath("zkr_muf.ini"));
+        window.sources().web().setOptions({1, 300, 600, 600});
+        window.Form_Load(); // fetches the page at once
+    }
+    bool busy() { return window.sources().web().isBusy(); }
+    // The user clicks the status and the refresh comes due; then events run
+    // until any fetch that started has ended.
+    void push() {
+        window.Label_Telnet_Status_Click();
+        state.Refresh_Seconds = 59;
+        window.Timer1_Timer();
+        while (busy()) {
+            QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents);
+        }
+    }
+};
+
+// Redirect script, then one Es spot whose comment ends in six characters.
+QByteArray spotPage(const QByteArray &head, const QByteArray &tail) {
+    return head + "<html><script>" + QByteArray(79, 'S') + "</script><pre>\n" +
+           "DL1ABC         50110.0 OH1XYZ       JO90JR &lt;ES&gt; KP20 " + tail +
+           "      1712\n</pre></html>";
+}
+
+TEST(WebPage, WindowAndToolShowTheSameTextForEveryEncoding) {
+    const QByteArray utf8 = "\xE2\x82\xAC \xE2\x80\x9C"
+                            "Es\xE2\x80\x9D";
+    // clang-format off
+    const struct { const char *contentType; QByteArray body; bool toolToo; } cases[] = {
+        {"text/html", spotPage("", "\x80 \x93" "Es\x94"), true},
+        {"text/html; charset=utf-8", spotPage("", utf8), false},
+        {"text/html", spotPage("<meta charset=utf-8>", utf8), true},
+        {"text/html", spotPage("\xEF\xBB\xBF", utf8), true},
+    };
+    // clang-format on
+    for (const auto &c : cases) {
+        WebRig rig(c.body, c.contentType);
+        ASSERT_TRUE(test::waitFor([&] { return !rig.busy(); }));
+        const QString shown = rig.window.workingPane(0).text();
+        EXPECT_TRUE(shown.contains(QString::fromUtf8("KP20 € “Es”")) && shown.contains("MUF="))
+            << shown.toStdString();
+        CliOptions options;
+        options.ownLocator = "JO62QM";
+        options.webPage = true;
+        CliReplay tool(options);
+        QBuffer saved;
+        saved.setData(c.body);
+        saved.open(QIODevice::ReadOnly);
+        tool.evaluateSpotPage(saved);
+        EXPECT_EQ(tool.panes()[0].text() == shown, c.toolToo) << shown.toStdString();
+    }
+}
+
+// While a page trickles in, its failure box is open or a fault box is open
+// during its evaluation: one fetch, one box; afterwards a click fetches.
+TEST(WebPage, OneFetchAtATime) {
+    // clang-format off
+    const struct { QByteArray page; int trickleMs; const char *locator; int boxes; } cases[] = {
+        {spotPage("", "slow  "), 2, "JO62QM", 0},
+        {"", 0, "JO62QM", 1},
+        {spotPage("", "fault "), 0, "JO62QZ", 1},
+    };
+    // clang-format on
+    for (const auto &c : cases) {
+        WebRig rig(c.page, "", c.trickleMs);
+        rig.state.OwnLocator = c.locator;
+        rig.platform.whileOpen = [&rig] { rig.push(); };
+        if (c.trickleMs > 0) {
+            rig.push();
+        }
+        ASSERT_TRUE(test::waitFor([&] { return !rig.busy(); }));
+        EXPECT_EQ(rig.web.requestCount("/DxSpots.aspx"), 1) << c.boxes;
+        EXPECT_EQ(rig.platform.messages().size(), c.boxes);
+        rig.window.Label_Telnet_Status_Click();
+        ASSERT_TRUE(test::waitFor([&] { return !rig.busy(); }));
+        EXPECT_EQ(rig.web.requestCount("/DxSpots.aspx"), 2) << c.boxes;
+    }
+}
+
+} // namespace

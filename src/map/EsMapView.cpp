@@ -20,7 +20,7 @@ namespace zkr {
 
 namespace {
 
-const QColor SeaColour(0xDD, 0xEE, 0xFA);
+const QColor SeaColour(0xC8, 0xE0, 0xF6);
 
 constexpr double MarkerRadius = 6;
 constexpr int MaxSpotsListed = 12;
@@ -82,21 +82,25 @@ void EsMapView::setOwnLocator(const QString &locator) {
 void EsMapView::setCoastlines(const Coastlines &coast) {
     coastKm_.clear();
     coastBounds_.clear();
-    const double edge = Pi * EarthRadius * 0.9;
+    // Near the antipode the projection tears: a ring that comes close to it
+    // (or holds it) would wind round the whole plane and turn land into sea.
+    // Rings reaching beyond 16,000 km are left out; no land lies 4,000 km
+    // from every coast, so every ring holding the antipode is among them.
+    const double edge = Pi * EarthRadius * 0.8;
     for (const auto &ring : coast.rings) {
         QPolygonF polygon;
         polygon.reserve(static_cast<qsizetype>(ring.size()));
+        bool tooFar = false;
         for (const GeoPoint &point : ring) {
-            polygon.append(projection_.project(point));
+            const QPointF km = projection_.project(point);
+            tooFar = tooFar || std::hypot(km.x(), km.y()) > edge;
+            polygon.append(km);
         }
-        // Land near the antipode smears over the whole plane; it is far
-        // outside any useful view.
-        const QRectF bounds = polygon.boundingRect();
-        if (std::hypot(bounds.center().x(), bounds.center().y()) > edge) {
+        if (tooFar) {
             continue;
         }
+        coastBounds_.push_back(polygon.boundingRect());
         coastKm_.push_back(std::move(polygon));
-        coastBounds_.push_back(bounds);
     }
     invalidateBackground();
 }

@@ -7,7 +7,9 @@ namespace zkr {
 SpotPipeline::SpotPipeline(QObject *parent)
     : QObject(parent), clock_([] { return QDateTime::currentDateTimeUtc(); }) {}
 
-void SpotPipeline::setClock(std::function<QDateTime()> clock) { clock_ = std::move(clock); }
+void SpotPipeline::setClock(std::function<QDateTime()> clock) {
+    clock_ = std::move(clock);
+}
 
 void SpotPipeline::setSettings(AnalysisSettings settings) {
     evaluator_.setSettings(std::move(settings));
@@ -22,18 +24,30 @@ void SpotPipeline::evaluateClusterLine(const QString &line) {
 }
 
 void SpotPipeline::evaluatePage(const QStringList &pageLines) {
+    beginPage();
+    evaluatePageLines(pageLines, 0, pageLines.size());
+    endPage();
+}
+
+void SpotPipeline::beginPage() {
+    pageReceived_ = clock_(); // one page, one arrival
+    panesWithEs_ = 0;
     Q_EMIT pageStarted();
-    unsigned panesWithEs = 0;
-    const QDateTime received = clock_(); // one page, one arrival
-    for (const QString &line : pageLines) {
-        EvaluatedSpot spot = evaluator_.evaluateWebLine(line);
-        spot.received = received;
+}
+
+void SpotPipeline::evaluatePageLines(const QStringList &pageLines, qsizetype from, qsizetype to) {
+    for (qsizetype i = from; i < to; ++i) {
+        EvaluatedSpot spot = evaluator_.evaluateWebLine(pageLines.at(i));
+        spot.received = pageReceived_;
         if (spot.esResultPrinted) {
-            panesWithEs |= spot.panes;
+            panesWithEs_ |= spot.panes;
         }
         Q_EMIT spotEvaluated(spot);
     }
-    Q_EMIT pageFinished(panesWithEs);
+}
+
+void SpotPipeline::endPage() {
+    Q_EMIT pageFinished(panesWithEs_);
 }
 
 } // namespace zkr

@@ -3,8 +3,8 @@
 #include "EvaluatedSpot.h"
 #include "SpotEvaluator.h"
 
-#include <QObject>
 #include <QDateTime>
+#include <QObject>
 #include <QStringList>
 
 #include <functional>
@@ -34,6 +34,11 @@ public:
     // Evaluates the lines of one web spot page: pageStarted, a spotEvaluated
     // for every line, then pageFinished with the panes that got Es results.
     void evaluatePage(const QStringList &pageLines);
+    // The same in parts, so that a large page can be evaluated a slice per
+    // event-loop turn: beginPage, lines [from, to) in order, endPage.
+    void beginPage();
+    void evaluatePageLines(const QStringList &pageLines, qsizetype from, qsizetype to);
+    void endPage();
 
 Q_SIGNALS:
     void spotEvaluated(const zkr::EvaluatedSpot &spot);
@@ -43,6 +48,8 @@ Q_SIGNALS:
 private:
     SpotEvaluator evaluator_;
     std::function<QDateTime()> clock_;
+    QDateTime pageReceived_;
+    unsigned panesWithEs_ = 0;
 };
 
 } // namespace zkr

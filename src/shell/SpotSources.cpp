@@ -15,6 +15,7 @@
 #include <QScopeGuard>
 #include <QTimer>
 
+#include <algorithm>
 #include <utility>
 
 namespace zkr {
@@ -355,7 +356,7 @@ void SpotSources::Evaluate_SpotPage() {
 
 void SpotSources::onPage(const QString &page) {
     // A box shown while the page is evaluated lets the refresh timer run.
-    const auto cycleEnd = qScopeGuard([this] { pageCycle_ = false; });
+    auto cycleEnd = qScopeGuard([this] { pageCycle_ = false; });
     if (Is_ErrorPage(page)) {
         writer_.writeNotice(QStringLiteral("The Webserver may be down !"));
         window_.refreshPanes();
@@ -375,8 +376,29 @@ void SpotSources::onPage(const QString &page) {
     state_.SpotPage_Lines = Split_SpotPage(Strip_Tags(page));
     applyAnalysisSettings();
     currentSource_ = QStringLiteral("web");
-    pipeline_.evaluatePage(state_.SpotPage_Lines);
-    window_.hideWorkLabel();
+    // Evaluated a slice per event-loop turn: a page of megabytes must not
+    // freeze the window. The cycle ends with the last slice.
+    cycleEnd.dismiss();
+    window_.showWorkLabel(QStringLiteral("CALCULATING"));
+    pageNext_ = 0;
+    pipeline_.beginPage();
+    evaluatePageSlice();
+}
+
+void SpotSources::evaluatePageSlice() {
+    auto cycleEnd = qScopeGuard([this] {
+        pageCycle_ = false;
+        pipeline_.endPage();
+        window_.hideWorkLabel();
+    });
+    const QStringList &lines = state_.SpotPage_Lines;
+    const qsizetype end = std::min(lines.size(), pageNext_ + PageSliceLines);
+    const qsizetype from = std::exchange(pageNext_, end);
+    pipeline_.evaluatePageLines(lines, from, end);
+    if (end < lines.size() && state_.RunMode == WebMode) {
+        cycleEnd.dismiss();
+        QTimer::singleShot(0, this, [this] { evaluatePageSlice(); });
+    }
 }
 
 void SpotSources::onPageFailed() {

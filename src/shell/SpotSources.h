@@ -34,6 +34,8 @@ public:
     // The console's record of received text, for its debug file.
     static constexpr int ConsoleRecordLimit = 20000;
     static constexpr qsizetype ConsoleRecordChars = 4 * 1024 * 1024;
+    // Web page lines evaluated per event-loop turn (a few milliseconds).
+    static constexpr qsizetype PageSliceLines = 2000;
     // The status of a closed session.
     static inline const QString NotConnectedText =
         QStringLiteral(" Not connected !") +
@@ -94,6 +96,7 @@ private:
     void onAttemptFailed();
     void onPage(const QString &page);
     void onPageFailed();
+    void evaluatePageSlice();
     void record(const QString &chunk);
     void connectFeed(ClusterFeed &feed);
     void finishUpdateFetch(std::optional<QString> page);
@@ -113,6 +116,7 @@ private:
     std::deque<QString> recentLines_;
     qsizetype recordChars_ = 0;
     qsizetype replayedSpots_ = 0; // spots since the last replay began
+    qsizetype pageNext_ = 0;      // the page line the next slice starts at
     bool reportFailure_ = false;
     // From a page's fetch until it is evaluated or its failure reported:
     // one page at a time, however often the timer or the user asks.

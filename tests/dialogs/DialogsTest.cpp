@@ -39,12 +39,10 @@ TEST(ClusterList, HeaderAndTextAfterTheLastLineEndAreNoClusters) {
          {{1, "X", "y", "1"}, {2, "A", "b", ""}, {3, "c\rd", "2", ""}}},
         {"malformed lines do not break it",
          "H\r\nNOSEP\r\nA|host only\r\nB|h|p|more\r\n|\r\n\r\n C | h |\r\n",
-         {{1, "NOSEP", "", ""},
-          {2, "A", "host only", ""},
-          {3, "B", "h", "p|more"},
-          {4, "", "", ""},
-          {5, "", "", ""},
-          {6, " C ", " h ", ""}}},
+         // clang-format off
+         {{1, "NOSEP", "", ""}, {2, "A", "host only", ""}, {3, "B", "h", "p|more"}, {4, "", "", ""},
+          {5, "", "", ""}, {6, " C ", " h ", ""}}},
+        // clang-format on
         {"single-byte text", "H\r\nOH\xC4|h\xFC|1\r\n", {{1, "OH\u00C4", "h\u00FC", "1"}}},
     };
     for (const auto &[name, bytes, expected] : cases) {

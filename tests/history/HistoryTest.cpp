@@ -88,32 +88,28 @@ TEST_F(HistoryTest, SpotsReadBackAsTheyWerePrintedOldestFirst) {
 
 TEST_F(HistoryTest, RepeatOfLineSourceAndSpotMinuteIsStoredOnce) {
     const EvaluatedSpot first = historySpot(0, Noon);
-    EvaluatedSpot nextDay = first;
-    nextDay.received = Noon.addDays(1);
-    EvaluatedSpot otherMinute = historySpot(0, Noon);
-    otherMinute.line.replace("1000Z", "1001Z");
-    otherMinute.time = "1001";
-    struct Case {
-        const char *name;
-        EvaluatedSpot again;
-        QString source;
-        qint64 rows;
-    } cases[] = {
-        {"web page shows it again a minute later", first, "web", 1},
-        {"file replayed again the same day", first, "web", 1},
-        {"another source", first, "file", 2},
-        {"another spot minute", otherMinute, "web", 2},
-        {"replayed the next day", nextDay, "web", 2},
+    auto again = [&first](qint64 secondsLater, const char *time = "1000") {
+        EvaluatedSpot spot = first;
+        spot.received = Noon.addSecs(secondsLater);
+        spot.line.replace("1000Z", QString(time) + "Z");
+        spot.time = time;
+        return spot;
     };
-    cases[0].again.received = Noon.addSecs(60);
-    cases[1].again.received = Noon.addSecs(3000);
-    for (const Case &c : cases) {
+    // A web page shown again a minute later, a file replayed the same day;
+    // another source, another spot minute, replayed the next day.
+    const std::tuple<EvaluatedSpot, const char *, qint64> cases[] = {{again(60), "web", 1},
+                                                                     {again(3000), "web", 1},
+                                                                     {again(60), "file", 2},
+                                                                     {again(0, "1001"), "web", 2},
+                                                                     {again(24 * 3600), "web", 2}};
+    int row = 0;
+    for (const auto &[spot, source, rows] : cases) {
         QFile::remove(path());
         HistoryDatabase db;
         ASSERT_TRUE(db.open(path(), HistoryDatabase::Access::Writer));
         EXPECT_TRUE(db.insert(first, "web"));
-        EXPECT_TRUE(db.insert(c.again, c.source)) << c.name;
-        EXPECT_EQ(db.count(), c.rows) << c.name;
+        EXPECT_TRUE(db.insert(spot, source));
+        EXPECT_EQ(db.count(), rows) << row++;
     }
 }
 
@@ -134,21 +130,17 @@ TEST_F(HistoryTest, FileThatCannotServeIsRefusedAndLeftAsItWas) {
     QSqlDatabase::removeDatabase("other");
     HistoryDatabase holder;
     ASSERT_TRUE(holder.open(path("held.sqlite"), HistoryDatabase::Access::Writer));
-    struct Case {
-        const char *file;
-        HistoryDatabase::Access access;
-        HistoryDatabase::Failure failure;
+    using enum HistoryDatabase::Access;
+    using enum HistoryDatabase::Failure;
+    // clang-format off
+    const struct { const char *file; HistoryDatabase::Access access; HistoryDatabase::Failure failure;
     } cases[] = {
-        {"folder.sqlite", HistoryDatabase::Access::Writer, HistoryDatabase::Failure::CannotOpen},
-        {"plain.txt/history.sqlite", HistoryDatabase::Access::Writer,
-         HistoryDatabase::Failure::CannotOpen},
-        {"missing.sqlite", HistoryDatabase::Access::Reader, HistoryDatabase::Failure::CannotOpen},
-        {"held.sqlite", HistoryDatabase::Access::Writer, HistoryDatabase::Failure::Locked},
-        {"garbage.sqlite", HistoryDatabase::Access::Writer, HistoryDatabase::Failure::Damaged},
-        {"garbage.sqlite", HistoryDatabase::Access::Reader, HistoryDatabase::Failure::Damaged},
-        {"other.sqlite", HistoryDatabase::Access::Writer, HistoryDatabase::Failure::Damaged},
-    };
-    for (const Case &c : cases) {
+        {"folder.sqlite", Writer, CannotOpen}, {"plain.txt/history.sqlite", Writer, CannotOpen},
+        {"missing.sqlite", Reader, CannotOpen}, {"held.sqlite", Writer, Locked},
+        {"garbage.sqlite", Writer, Damaged}, {"garbage.sqlite", Reader, Damaged},
+        {"other.sqlite", Writer, Damaged}};
+    // clang-format on
+    for (const auto &c : cases) {
         const QByteArray before = readAll(path(c.file));
         HistoryDatabase db;
         EXPECT_FALSE(db.open(path(c.file), c.access)) << c.file;

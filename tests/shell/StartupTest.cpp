@@ -121,9 +121,7 @@ TEST(Startup, OwnCallAndCommandLineChooseModeClusterAndSource) {
         {"!FILE!", "/DB0SUE", Telnet, Sue, false},
         {"!NOCALL", "", Telnet, Stored, false},
         {"DL1ABC", " /webcluster", Telnet, Stored, true},
-        {"DL1ABC", "/webcluster now", Telnet, Stored, true},
         {"DL1ABC", "/WEB", Telnet, Stored, true},
-        {"DL1ABC", "-webcluster", Telnet, Stored, true},
         {"!NOCALL!", "/FILE ", Web, Stored, true},
     };
     const QString refusal =

@@ -4,6 +4,7 @@
 
 #include <QDataStream>
 #include <QFile>
+#include <QLineF>
 
 #include <gtest/gtest.h>
 
@@ -12,37 +13,34 @@
 namespace zkr {
 namespace {
 
-double kmBetween(GeoPoint a, GeoPoint b) {
-    return EarthRadius * Great_Circle_Angle(a.latitude, b.latitude, a.longitude, b.longitude);
-}
-
 // Distance and course from the centre are true on the map; the inverse
 // gives the point back.
 TEST(AzimuthalProjection, DistanceAndCourseFromTheCentreAreTrue) {
     const GeoPoint berlin{52.5, 13.4};
     const AzimuthalProjection projection(berlin);
-    struct Case {
-        GeoPoint point;
-    };
-    const Case cases[] = {{{52.5, 13.4}},  {{46.3, 7.1}},   {{40.4, -4.1}}, {{60.2, 24.9}},
-                          {{-33.9, 18.4}}, {{35.7, 139.7}}, {{52.5, 13.5}}, {{89.0, -100}}};
-    for (const Case &c : cases) {
-        SCOPED_TRACE(testing::Message() << c.point.latitude << " " << c.point.longitude);
-        const QPointF km = projection.project(c.point);
-        const double distance = kmBetween(berlin, c.point);
+    for (const GeoPoint point : {GeoPoint{52.5, 13.4},
+                                 {46.3, 7.1},
+                                 {40.4, -4.1},
+                                 {-33.9, 18.4},
+                                 {35.7, 139.7},
+                                 {52.5, 13.5},
+                                 {89.0, -100}}) {
+        SCOPED_TRACE(testing::Message() << point.latitude << " " << point.longitude);
+        const QPointF km = projection.project(point);
+        const double distance = EarthRadius * Great_Circle_Angle(berlin.latitude, point.latitude,
+                                                                 berlin.longitude, point.longitude);
         EXPECT_NEAR(std::hypot(km.x(), km.y()), distance, 0.05);
         if (distance > 1) {
             const double course = std::fmod(std::atan2(km.x(), km.y()) * Rad2Deg + 360, 360);
-            EXPECT_NEAR(
-                course,
-                Azimuth(berlin.latitude, c.point.latitude, berlin.longitude, c.point.longitude),
-                1e-6);
+            EXPECT_NEAR(course,
+                        Azimuth(berlin.latitude, point.latitude, berlin.longitude, point.longitude),
+                        1e-6);
         }
         const auto back = projection.inverse(km);
         ASSERT_TRUE(back.has_value());
-        EXPECT_NEAR(back->latitude, c.point.latitude, 1e-7);
-        if (std::abs(c.point.latitude) < 89.9) {
-            EXPECT_NEAR(back->longitude, c.point.longitude, 1e-7);
+        EXPECT_NEAR(back->latitude, point.latitude, 1e-7);
+        if (std::abs(point.latitude) < 89.9) {
+            EXPECT_NEAR(back->longitude, point.longitude, 1e-7);
         }
     }
     EXPECT_FALSE(projection.inverse(QPointF(0, -EarthRadius * Pi - 1)).has_value());
@@ -56,23 +54,15 @@ TEST(MapViewport, ZoomKeepsThePointUnderTheMouseAndPanFollowsTheDrag) {
     EXPECT_EQ(view.toPixel(QPointF(0, 0)), QPointF(500, 250));
     EXPECT_EQ(view.toPixel(QPointF(2000, 1000)), QPointF(1000, 0));
     EXPECT_EQ(view.visibleKm(), QRectF(-2000, -1000, 4000, 2000));
-    struct Case {
-        QPointF mouse;
-        double factor;
-        double width;
-    };
-    const Case cases[] = {{{100, 100}, 2, 2000},
-                          {{900, 400}, 0.5, 8000},
-                          {{500, 250}, 1000, 200},
-                          {{0, 0}, 1e-4, 40000}};
-    for (const Case &c : cases) {
+    for (const auto &[mouse, factor, width] : {std::tuple{QPointF(100, 100), 2.0, 2000.0},
+                                               {QPointF(900, 400), 0.5, 8000.0},
+                                               {QPointF(500, 250), 1000.0, 200.0},
+                                               {QPointF(0, 0), 1e-4, 40000.0}}) {
         MapViewport zoomed = view;
-        const QPointF before = zoomed.toKm(c.mouse);
-        zoomed.zoomAt(c.mouse, c.factor);
-        EXPECT_DOUBLE_EQ(zoomed.widthKm(), c.width);
-        const QPointF after = zoomed.toKm(c.mouse);
-        EXPECT_NEAR(after.x(), before.x(), 1e-6);
-        EXPECT_NEAR(after.y(), before.y(), 1e-6);
+        const QPointF before = zoomed.toKm(mouse);
+        zoomed.zoomAt(mouse, factor);
+        EXPECT_DOUBLE_EQ(zoomed.widthKm(), width);
+        EXPECT_NEAR(QLineF(zoomed.toKm(mouse), before).length(), 0, 1e-6);
     }
     MapViewport panned = view;
     const QPointF under = panned.toKm(QPointF(300, 200));
@@ -85,52 +75,36 @@ TEST(MapViewport, ZoomKeepsThePointUnderTheMouseAndPanFollowsTheDrag) {
 
 // The legend's classes, with the MUF rounded as printed.
 TEST(MufColourScale, ClassesFollowTheLegend) {
-    struct Case {
-        double muf;
-        int index;
-    };
-    const Case cases[] = {{0, 0},     {49.49, 0}, {49.5, 1},   {69.4, 1},  {69.5, 2},
-                          {99.49, 2}, {99.5, 3},  {143.49, 3}, {143.5, 4}, {400, 4}};
-    for (const Case &c : cases) {
-        EXPECT_EQ(mufClass(c.muf), c.index) << c.muf;
+    for (const auto &[muf, index] : {std::pair{0.0, 0},
+                                     {49.49, 0},
+                                     {49.5, 1},
+                                     {69.4, 1},
+                                     {69.5, 2},
+                                     {99.49, 2},
+                                     {99.5, 3},
+                                     {143.49, 3},
+                                     {143.5, 4},
+                                     {400.0, 4}}) {
+        EXPECT_EQ(mufClass(muf), index) << muf;
     }
-    const QStringList labels{"< 50", "50–70", "70–100", "100–144", "≥ 144"};
-    for (int i = 0; i < MufClassCount; ++i) {
-        EXPECT_EQ(QString::fromUtf8(mufClassAt(i).label), labels[i]);
-    }
-    EXPECT_EQ(mufClassAt(4).rgb, 0xFF00FFu); // the magenta of a 2 m result
-    struct Fade {
-        double age;
-        int alpha;
-    };
-    const Fade fades[] = {{-5, 255}, {0, 255}, {900, 158}, {1800, 60}, {5000, 60}};
-    for (const Fade &f : fades) {
-        EXPECT_EQ(fadeAlpha(f.age), f.alpha) << f.age;
+    for (const auto &[age, alpha] :
+         {std::pair{-5, 255}, {0, 255}, {900, 158}, {1800, 60}, {5000, 60}}) {
+        EXPECT_EQ(fadeAlpha(age), alpha) << age;
     }
 }
 
 TEST(Maidenhead, CentresGridAndLabels) {
-    struct Case {
-        const char *locator;
-        std::optional<GeoPoint> centre;
-    };
-    const Case cases[] = {
-        {"JO62", GeoPoint{52.5, 13}},
-        {"jo62", GeoPoint{52.5, 13}},
-        {"JO62QM", GeoPoint{52.52083, 13.375}},
-        {"AA00", GeoPoint{-89.5, -179}},
-        {"RR99XX", GeoPoint{89.97917, 179.95833}},
-        {"JO6", std::nullopt},
-        {"JO62Q", std::nullopt},
-        {"SO62", std::nullopt},
-    };
-    for (const Case &c : cases) {
-        SCOPED_TRACE(c.locator);
-        const auto centre = locatorCentre(QString(c.locator));
-        ASSERT_EQ(centre.has_value(), c.centre.has_value());
+    const std::pair<const char *, std::optional<GeoPoint>> cases[] = {
+        {"jo62", GeoPoint{52.5, 13}},    {"JO62QM", GeoPoint{52.52083, 13.375}},
+        {"AA00", GeoPoint{-89.5, -179}}, {"RR99XX", GeoPoint{89.97917, 179.95833}},
+        {"JO6", std::nullopt},           {"JO62Q", std::nullopt},
+        {"SO62", std::nullopt}};
+    for (const auto &[locator, expected] : cases) {
+        const auto centre = locatorCentre(QString(locator));
+        ASSERT_EQ(centre.has_value(), expected.has_value()) << locator;
         if (centre) {
-            EXPECT_NEAR(centre->latitude, c.centre->latitude, 1e-4);
-            EXPECT_NEAR(centre->longitude, c.centre->longitude, 1e-4);
+            EXPECT_NEAR(centre->latitude, expected->latitude, 1e-4) << locator;
+            EXPECT_NEAR(centre->longitude, expected->longitude, 1e-4) << locator;
         }
     }
     // Over 40-60 N, 0-20 E: meridians at 0 and 20 and parallels at 40, 50
@@ -178,23 +152,15 @@ TEST(CoastlineFile, ReadsRingsAndRefusesBrokenFiles) {
     EXPECT_DOUBLE_EQ(coast.rings[0][1].longitude, -180);
     EXPECT_DOUBLE_EQ(coast.rings[0][2].latitude, 90);
     EXPECT_EQ(coast.rings[1].size(), 4u);
-    struct Broken {
-        const char *name;
-        QByteArray bytes;
-    };
     QByteArray huge = coastFile(1, {});
     huge.chop(4);
     huge += QByteArray::fromHex("01000000ffffff7f");
-    const Broken broken[] = {
-        {"empty", {}},
-        {"other magic", "ZKRD" + coastFile(1, rings).mid(4)},
-        {"other version", coastFile(2, rings)},
-        {"cut in a point", coastFile(1, rings, 2)},
-        {"cut in a count", coastFile(1, rings, 17)},
-        {"a count beyond the file", huge},
-    };
-    for (const Broken &b : broken) {
-        EXPECT_TRUE(Coastlines::parse(b.bytes).rings.empty()) << b.name;
+    // Empty, other magic, other version, cut in a point, in a count, a count
+    // beyond the file.
+    for (const QByteArray &bytes :
+         {QByteArray(), "ZKRD" + coastFile(1, rings).mid(4), coastFile(2, rings),
+          coastFile(1, rings, 2), coastFile(1, rings, 17), huge}) {
+        EXPECT_TRUE(Coastlines::parse(bytes).rings.empty()) << bytes.size();
     }
     // The shipped file: Europe's land is there.
     const Coastlines shipped = Coastlines::load(ZKR_COASTLINES);

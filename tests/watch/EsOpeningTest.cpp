@@ -1,0 +1,100 @@
+#include "EsOpening.h"
+#include "CliOptions.h"
+#include "CliReplay.h"
+#include "QtPrinters.h"
+#include "ScriptedPlatform.h"
+#include "WatchAlerts.h"
+
+#include <QBuffer>
+#include <QRegularExpression>
+
+#include <gtest/gtest.h>
+
+namespace zkr {
+namespace {
+
+using test::EsOpening;
+
+struct Heard {
+    QString square;
+    QString level;
+};
+
+// The alerts of the platform's record, and everything else it recorded.
+std::vector<Heard> alertsOf(const QStringList &log, QStringList &other) {
+    static const QRegularExpression notify(
+        R"(^notify "ZKR_MUF Es watch" "(.+) via (\w{4})( .*)?" -> (shown|unavailable)$)");
+    std::vector<Heard> heard;
+    for (const QString &entry : log) {
+        const auto match = notify.match(entry);
+        if (match.hasMatch()) {
+            heard.push_back({match.captured(2), match.captured(1)});
+        } else if (!entry.startsWith("beep ")) {
+            other.append(entry);
+        }
+    }
+    return heard;
+}
+
+// The whole opening through the feed, the pipeline and the watch on the
+// spots' own clock: every cloud square raises each level at most once and
+// in the order of the levels, the clouds within the distance limit reach
+// "confirmed" where they peak, the one beyond never does; without a
+// notification service or sound the same happens and nothing else is said.
+TEST(EsOpeningReplay, EachLevelOncePerCloudInOrder) {
+    const EsOpening opening = EsOpening::generate();
+    ASSERT_EQ(opening.clouds.size(), 3u);
+    ASSERT_GT(opening.lines.size(), 150);
+    const QStringList ranked{"rising", "2 m open", "confirmed"};
+    struct Case {
+        const char *name;
+        bool notifications;
+        bool sound;
+    };
+    const Case cases[] = {{"desktop", true, true},
+                          {"no notification service", false, true},
+                          {"sound off", true, false}};
+    for (const Case &c : cases) {
+        SCOPED_TRACE(c.name);
+        CliOptions options;
+        options.ownLocator = EsOpening::OwnLocator;
+        options.watch = true;
+        CliReplay run(options);
+        WatchSettings settings;
+        settings.sound = c.sound;
+        run.watch()->setSettings(settings);
+        ScriptedPlatform platform;
+        platform.setNotificationsAvailable(c.notifications);
+        WatchAlerts alerts(*run.watch(), platform);
+        QBuffer input;
+        input.setData(opening.bytes());
+        input.open(QIODevice::ReadOnly);
+        run.replayClusterText(input);
+
+        QStringList other;
+        const std::vector<Heard> heard = alertsOf(platform.log(), other);
+        EXPECT_EQ(other, QStringList());
+        EXPECT_EQ(platform.log().filter("beep ").size(), c.sound ? qsizetype(heard.size()) : 0);
+        QHash<QString, QStringList> bySquare;
+        for (const Heard &h : heard) {
+            ASSERT_TRUE(ranked.contains(h.level)) << h.level.toStdString();
+            QStringList &levels = bySquare[h.square];
+            if (!levels.isEmpty()) {
+                EXPECT_LT(ranked.indexOf(levels.last()), ranked.indexOf(h.level))
+                    << h.square.toStdString() << " after " << levels.join(", ").toStdString();
+            }
+            levels.append(h.level);
+        }
+        for (const EsOpening::Cloud &cloud : opening.clouds) {
+            SCOPED_TRACE(cloud.name.toStdString());
+            ASSERT_GE(cloud.peakMuf, 160);
+            ASSERT_LT(cloud.km, 1500);
+            // Under the own horizon only a 2 m spot tells of it.
+            const QStringList expected = cloud.underHorizon ? QStringList{"confirmed"} : ranked;
+            EXPECT_EQ(bySquare.value(cloud.peakSquare), expected);
+        }
+    }
+}
+
+} // namespace
+} // namespace zkr

@@ -5,6 +5,7 @@
 #include "ShellFakes.h"
 
 #include <QBuffer>
+#include <QTcpServer>
 #include <QTest>
 
 using namespace zkr;
@@ -130,6 +131,20 @@ TEST(LiveFeed, AfterADropTheStatusCountsTheAttemptsAndAClickConnectsAtOnce) {
     ASSERT_TRUE(waitFor([&] { return program.status().startsWith("Reconnecting"); }));
     program.window.Label_Telnet_Status_Click();
     EXPECT_TRUE(waitFor([&] { return program.node.logins().size() == 3; }, 3000));
+
+    // Asked for again while it waits (a first-run setup, then the start-up),
+    // a refused session tries at once and its failure is reported once.
+    QTcpServer probe;
+    probe.listen(QHostAddress::LocalHost, 0);
+    program.state.Telnet_Port = QString::number(probe.serverPort());
+    probe.close();
+    program.window.sources().Telnet_Connect();
+    ASSERT_TRUE(waitFor([&] { return program.status().startsWith("Reconnecting"); }));
+    program.window.sources().Telnet_Connect();
+    EXPECT_TRUE(waitFor([&] {
+        return program.status().endsWith("(attempt 2)") || program.platform.messages().size() > 1;
+    }));
+    EXPECT_EQ(program.platform.messages().size(), 1);
 }
 
 } // namespace

@@ -1,5 +1,6 @@
 // A cluster list file, anything at all: the rows must account for every
-// line between the header and the text after the last CR LF.
+// line between the header and the text after the last line end (LF, with or
+// without CR), and no row keeps an LF.
 #include "ClusterList.h"
 #include "FuzzSupport.h"
 
@@ -7,12 +8,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     ensureApplication();
     const QByteArray bytes(reinterpret_cast<const char *>(data), static_cast<qsizetype>(size));
     const QList<zkr::ClusterList::Row> rows = zkr::ClusterList::parse(bytes);
-    const qsizetype lines = bytes.count("\r\n");
+    const qsizetype lines = bytes.count('\n');
     if (rows.size() != std::max<qsizetype>(lines - 1, 0)) {
         std::abort();
     }
     for (qsizetype i = 0; i < rows.size(); ++i) {
-        if (rows[i].line != i + 1 || rows[i].name.contains(QLatin1Char('|'))) {
+        if (rows[i].line != i + 1 || rows[i].name.contains(QLatin1Char('|')) ||
+            (rows[i].name + rows[i].host + rows[i].port).contains(QLatin1Char('\n'))) {
             std::abort();
         }
     }

@@ -104,3 +104,12 @@ void LocalClusterServer::closeClients() {
     }
     clients_.clear();
 }
+
+bool LocalClusterServer::socketIdle() const {
+    for (const QPointer<QTcpSocket> &client : clients_) {
+        if (client && client->bytesToWrite() > 0) {
+            return false;
+        }
+    }
+    return true;
+}

@@ -25,6 +25,7 @@ public:
     const QStringList &logins() const { return logins_; }
     // Everything received after the login, per client.
     QByteArray received() const { return received_; }
+    bool hasClient() const { return !clients_.isEmpty(); }
     // Sends raw bytes to every logged-in client as one write.
     void send(const QByteArray &bytes);
     // Sends `bytes` to every logged-in client in pieces of the given sizes
@@ -34,6 +35,8 @@ public:
     // Every piece given to sendInPieces is on its way.
     bool piecesSent() const { return piecesPending_ == 0; }
     void closeClients();
+    // Nothing written is still waiting to go out.
+    bool socketIdle() const;
     // The prompt the node sends after the login.
     static QByteArray prompt(const QString &call);
     // Writes zkr_muf.ini into `folder`: the program in telnet mode (DL1ABC at

@@ -54,8 +54,6 @@ TEST(ClusterList, HeaderAndTextAfterTheLastLineEndAreNoClusters) {
     EXPECT_EQ(ClusterList::selectedRow(rows, "GB7AAA"), 3);
     EXPECT_EQ(ClusterList::selectedRow(rows, "DB0BBB"), 2);
     EXPECT_EQ(ClusterList::selectedRow(rows, "gb7aaa"), 0);
-    EXPECT_EQ(ClusterList::notFoundText("/x/TelnetDXCluster.txt"),
-              "Datei '/x/TelnetDXCluster.txt not found !");
 }
 
 // The cancel that ends the program is tested with the first run.

@@ -32,16 +32,24 @@ inline bool writeBytes(const QString &path, const QByteArray &bytes) {
     return file.open(QIODevice::WriteOnly) && file.write(bytes) == bytes.size();
 }
 
+// The service's page: its 79-character redirect script, then one 6 m Es spot
+// whose comment ends in the six characters given.
+inline QByteArray spotPage(const QByteArray &tail) {
+    return "<html><script>" + QByteArray(79, 'S') + "</script><pre>\n" +
+           "DL1ABC         50110.0 OH1XYZ       JO90JR &lt;ES&gt; KP20 " + tail +
+           "      1712\n</pre></html>";
+}
+
 // The program in a folder of its own; its cluster and web server on this machine.
-struct ProgramRig {
+template <class PlatformType = ScriptedPlatform> struct ProgramRigOn {
     QTemporaryDir folder;
     LocalClusterServer node;
     LocalHttpServer web;
     ProgramState state;
-    ScriptedPlatform platform;
+    PlatformType platform;
     frmZKR_MUF window{state, platform};
 
-    ProgramRig() {
+    ProgramRigOn() {
         platform.setApplicationFolder(folder.path());
         platform.setEnvironmentValue(site::WebClusterUrlVariable, web.url("/DxSpots.aspx"));
         platform.setEnvironmentValue(site::DownloadPageUrlVariable, web.url("/download.html"));
@@ -72,5 +80,6 @@ struct ProgramRig {
         return waitFor([this] { return !window.sources().web().isBusy(); });
     }
 };
+using ProgramRig = ProgramRigOn<>;
 
 } // namespace zkr::test

@@ -55,15 +55,6 @@ void LocalHttpServer::onReadyRead(QTcpSocket *socket) {
     if (response.neverAnswer) {
         return;
     }
-    if (response.delayMs > 0) {
-        QPointer<QTcpSocket> guarded(socket);
-        QTimer::singleShot(response.delayMs, this, [this, guarded, response] {
-            if (guarded) {
-                answer(guarded, response);
-            }
-        });
-        return;
-    }
     answer(socket, response);
 }
 
@@ -71,16 +62,13 @@ void LocalHttpServer::answer(QTcpSocket *socket, const Response &response) {
     QByteArray head = "HTTP/1.1 " + QByteArray::number(response.status) + " Status\r\n";
     head += "Content-Type: " + response.contentType + "\r\n";
     head += "Content-Length: " + QByteArray::number(response.body.size()) + "\r\n";
-    if (!response.location.isEmpty()) {
-        head += "Location: " + response.location + "\r\n";
-    }
     head += "Connection: close\r\n\r\n";
     socket->write(head);
     if (response.trickleMs > 0) {
         trickle(socket, response.body, response.trickleMs);
         return;
     }
-    socket->write(response.truncate ? response.body.left(response.body.size() / 2) : response.body);
+    socket->write(response.body);
     socket->disconnectFromHost();
 }
 

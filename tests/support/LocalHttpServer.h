@@ -17,10 +17,7 @@ public:
         int status = 200;
         QByteArray body;
         QByteArray contentType = "text/html; charset=iso-8859-1";
-        int delayMs = 0;          // wait before answering
         bool neverAnswer = false; // accept, read, then stay silent
-        bool truncate = false;    // announce the full length, send half, close
-        QByteArray location;      // for redirects
         int trickleMs = 0;        // send the body a byte at a time, this far apart
     };
 

@@ -18,13 +18,8 @@ namespace {
 TEST(AzimuthalProjection, DistanceAndCourseFromTheCentreAreTrue) {
     const GeoPoint berlin{52.5, 13.4};
     const AzimuthalProjection projection(berlin);
-    for (const GeoPoint point : {GeoPoint{52.5, 13.4},
-                                 {46.3, 7.1},
-                                 {40.4, -4.1},
-                                 {-33.9, 18.4},
-                                 {35.7, 139.7},
-                                 {52.5, 13.5},
-                                 {89.0, -100}}) {
+    for (const GeoPoint point :
+         {GeoPoint{52.5, 13.4}, {-33.9, 18.4}, {35.7, 139.7}, {52.5, 13.5}, {89.0, -100}}) {
         SCOPED_TRACE(testing::Message() << point.latitude << " " << point.longitude);
         const QPointF km = projection.project(point);
         const double distance = EarthRadius * Great_Circle_Angle(berlin.latitude, point.latitude,

@@ -18,7 +18,7 @@ EsWatchLink::EsWatchLink(ProgramState &state, Platform &platform, SpotPipeline &
       alerts_(watch_, platform), strip_(new EsNowStrip(watch_)), map_(new EsMapView(watch_)),
       aging_(new QTimer(this)) {
     watch_.setWallClock([] { return QDateTime::currentDateTimeUtc(); });
-    connect(&pipeline, &SpotPipeline::spotEvaluated, this, &EsWatchLink::onSpot);
+    connect(&pipeline, &SpotPipeline::spotEvaluated, this, &EsWatchLink::addSpot);
     connect(&alerts_, &WatchAlerts::alerted, this, [this](const QString &text, bool notified) {
         if (!notified) {
             strip_->showAlert(text);
@@ -57,7 +57,7 @@ void EsWatchLink::followOwnLocator() {
         {programFolder, ProgramFolders::installedDataFolder(programFolder)})));
 }
 
-void EsWatchLink::onSpot(const EvaluatedSpot &spot) {
+void EsWatchLink::addSpot(const EvaluatedSpot &spot) {
     if (!settingsRead_) {
         readSettings();
     }

@@ -40,9 +40,10 @@ public:
     // no longer holds it.
     bool selectInAllPane(const WatchSpot &spot);
 
-private:
-    void onSpot(const EvaluatedSpot &spot);
+    // A spot for the watch: live from the pipeline, or restored.
+    void addSpot(const EvaluatedSpot &spot);
 
+private:
     ProgramState &state_;
     Platform &platform_;
     frmZKR_MUF &window_;

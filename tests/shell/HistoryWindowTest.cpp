@@ -1,3 +1,4 @@
+#include "EsWatchLink.h"
 #include "HistoryDatabase.h"
 #include "HistorySpots.h"
 #include "ShellFakes.h"
@@ -54,13 +55,16 @@ PaneContent content(ProgramRig &rig, int pane) {
 TEST(HistoryWindowTest, RestartShowsWhatWasStoredAndLiveSpotsOnTop) {
     QTemporaryDir data;
     std::array<PaneContent, 4> before;
+    std::size_t clouds = 0;
     {
         auto first = startWithHistory(data.path());
+        first->window.sources().applyAnalysisSettings(); // no file chosen: no settings yet
         first->window.sources().session().feed().receive(spotLines(0, 40));
         ASSERT_TRUE(waitFor([&] { return first->window.workingPane(0).lineCount() >= 40; }));
         for (int i = 0; i < 4; ++i) {
             before[static_cast<std::size_t>(i)] = content(*first, i);
         }
+        clouds = first->window.esWatch().watch().clouds().size();
         first->window.sources().closeHistory(); // as the program does on its way out
     }
     ASSERT_FALSE(before[3].text.isEmpty()); // the Es pane got spots too
@@ -70,6 +74,8 @@ TEST(HistoryWindowTest, RestartShowsWhatWasStoredAndLiveSpotsOnTop) {
     for (int i = 1; i < 4; ++i) {
         EXPECT_EQ(content(*second, i), before[static_cast<std::size_t>(i)]) << "pane " << i;
     }
+    ASSERT_GT(clouds, 0u);
+    EXPECT_EQ(second->window.esWatch().watch().clouds().size(), clouds); // the map's clouds too
     second->window.sources().session().feed().receive(spotLines(40, 1));
     ASSERT_TRUE(waitFor([&] { return second->window.workingPane(0).lineCount() == 41; }));
     EXPECT_TRUE(second->pane(0).startsWith(historySpot(40, {}).line))

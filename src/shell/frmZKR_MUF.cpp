@@ -289,13 +289,15 @@ void frmZKR_MUF::showTransientStatus(const QString &caption, int milliseconds) {
 }
 
 void frmZKR_MUF::showLastSpot(const QDateTime &received) {
-    // Once a second at most, however fast the spots come.
-    QString text = QStringLiteral("last spot ") +
-                   received.toUTC().toString(QStringLiteral("HH:mm:ss")) + QLatin1Char('Z');
-    if (text != lastSpotText_) {
-        Label_LastSpot_->setText(text);
-        lastSpotText_ = std::move(text);
+    // Formatted once a second at most, however fast the spots come.
+    const qint64 second = received.toSecsSinceEpoch();
+    if (second == lastSpotSecond_) {
+        return;
     }
+    lastSpotSecond_ = second;
+    Label_LastSpot_->setText(QStringLiteral("last spot ") +
+                             received.toUTC().toString(QStringLiteral("HH:mm:ss")) +
+                             QLatin1Char('Z'));
     Label_LastSpot_->setVisible(true);
 }
 

@@ -191,8 +191,8 @@ private:
     ElidedLabel *Label_Telnet_Status_ = nullptr;
     QLabel *Label_LastSpot_ = nullptr;
     QTimer *transientTimer_ = nullptr;
-    QString regularStatus_; // shown again when a passing message ends
-    QString lastSpotText_;
+    QString regularStatus_;      // shown again when a passing message ends
+    qint64 lastSpotSecond_ = -1; // of the last spot shown
     bool shownOnce_ = false;
     QLabel *Label_OwnCall_ = nullptr;
     QLabel *Label_OwnLocator_ = nullptr;

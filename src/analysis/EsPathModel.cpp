@@ -192,51 +192,45 @@ GeoPoint Destination_Point(double latitude, double longitude, double azimuth, do
     return destination(pointAt(latitude, longitude), azimuth, distance, radius);
 }
 
-bool Compute_EsPath(SpotWork &work, const AnalysisSettings &settings) {
-    // 1. Without a valid own locator nothing can be computed.
-    if (Check_Locator(settings.ownLocator)) {
-        work.spot.error = QStringLiteral("Own Locator in ") + settings.settingsFileName +
-                          QStringLiteral(" is wrong !");
-        return false;
+EsPath Es_Path(GeoPoint first, GeoPoint second, GeoPoint ownPosition, double frequency,
+               PathPoints &points) {
+    // Equal longitudes are pulled apart so that the courses of the path stay
+    // defined.
+    if (second.longitude == first.longitude) {
+        second.longitude += 0.000001;
     }
-
-    // 2-4. Positions; equal longitudes are pulled apart so that the courses
-    // of the path stay defined.
-    work.one = Locator_Position(work.spot.locator1);
-    work.two = Locator_Position(work.spot.locator2);
-    if (work.two.longitude == work.one.longitude) {
-        work.two.longitude += 0.000001;
-    }
-    work.own = Locator_Position(settings.ownLocator);
-    const Point one = pointAt(work.one.latitude, work.one.longitude);
-    const Point two = pointAt(work.two.latitude, work.two.longitude);
-    const Point own = pointAt(work.own.latitude, work.own.longitude);
+    points.one = first;
+    points.two = second;
+    points.own = ownPosition;
+    const Point one = pointAt(first.latitude, first.longitude);
+    const Point two = pointAt(second.latitude, second.longitude);
+    const Point own = pointAt(ownPosition.latitude, ownPosition.longitude);
 
     const double radius = EarthRadius;
-    EsPath &path = work.path;
+    EsPath path;
 
-    // 5-7. The spot path and its midpoint, where the Es cloud is assumed.
+    // The spot path and its midpoint, where the Es cloud is assumed.
     // Courses that no result needs are worked out all the same: where one
-    // is undefined, the spot fails.
+    // is undefined, the path fails.
     const Leg spotPath = legBetween(one, two);
     path.pathKm = radius * spotPath.angle;
     courseBetween(two, one);
     const Point mid = midpoint(one, two);
-    work.mid = GeoPoint{mid.lat, mid.lon};
+    points.mid = GeoPoint{mid.lat, mid.lon};
     LatLon_To_Locator(mid.lat, mid.lon, path.cloud);
 
-    // 8. One hop of the spot path: station 1 to the cloud.
+    // One hop of the path: station 1 to the cloud.
     const Leg hop = legBetween(one, mid);
     const double pathElevation = Es_Elevation(hop.angle, EarthRadius, EsLayerHeight);
 
-    // 9. The own station towards the cloud.
+    // The own station towards the cloud.
     const Leg ownMid = legBetween(own, mid);
     path.ownKm = radius * ownMid.angle;
     path.azimuth = ownMid.course;
     path.elevation = Es_Elevation(ownMid.angle, EarthRadius, EsLayerHeight);
 
-    // 10. Secant law on a curved earth: k = (R / (R + h))^2.
-    const double f = work.spot.frequency;
+    // Secant law on a curved earth: k = (R / (R + h))^2.
+    const double f = frequency;
     const double k = std::pow(1.0 + divide(EsLayerHeight, EarthRadius), -2.0);
     const double vertical = 1 - k * cosineSquared(pathElevation < 0 ? 0.0 : pathElevation);
     path.critical = f * std::sqrt(vertical);
@@ -247,13 +241,25 @@ bool Compute_EsPath(SpotWork &work, const AnalysisSettings &settings) {
         path.ownMuf = divide(path.critical, std::sqrt(1 - k * cosineSquared(path.elevation)));
     }
 
-    // 11-14. Where a hop from the own station via the cloud comes down.
+    // Where a hop from the own station via the cloud comes down.
     const GeoPoint reached = destination(own, path.azimuth, 2 * path.ownKm, radius);
-    work.far = GeoPoint{reached.latitude, wrapToHalfTurn(reached.longitude)};
-    LatLon_To_Locator(work.far.latitude, work.far.longitude, path.far);
+    points.far = GeoPoint{reached.latitude, wrapToHalfTurn(reached.longitude)};
+    LatLon_To_Locator(points.far.latitude, points.far.longitude, path.far);
 
-    // 15. The course from the own station to that point, for its faults.
-    courseBetween(own, pointAt(work.far.latitude, work.far.longitude));
+    // The course from the own station to that point, for its faults.
+    courseBetween(own, pointAt(points.far.latitude, points.far.longitude));
+    return path;
+}
+
+bool Compute_EsPath(SpotWork &work, const AnalysisSettings &settings) {
+    // Without a valid own locator nothing can be computed.
+    if (Check_Locator(settings.ownLocator)) {
+        work.spot.error = QStringLiteral("Own Locator in ") + settings.settingsFileName +
+                          QStringLiteral(" is wrong !");
+        return false;
+    }
+    work.path = Es_Path(Locator_Position(work.spot.locator1), Locator_Position(work.spot.locator2),
+                        Locator_Position(settings.ownLocator), work.spot.frequency, work.points);
     work.pathComputed = true;
     return true;
 }

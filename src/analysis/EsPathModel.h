@@ -8,6 +8,7 @@
 namespace zkr {
 
 struct AnalysisSettings;
+struct EsPath;
 struct SpotWork;
 
 // The angle constants of the path model (4 x arc tangent of 1 is the
@@ -60,11 +61,24 @@ double Es_Elevation(double angle, std::int16_t earthRadius, std::int16_t esLayer
 GeoPoint Destination_Point(double latitude, double longitude, double azimuth, double distance,
                            double radius);
 
+// The points of a path: both ends (the second one's longitude pulled apart
+// from the first one's when they are equal), the own station, the cloud at
+// the midpoint, and where a hop from the own station via the cloud comes
+// down.
+struct PathPoints {
+    GeoPoint one, two, own, mid, far;
+};
+
+// The Es path between two stations on `frequency` MHz as the own station
+// sees it: the midpoint square where the cloud is assumed, the Es critical
+// frequency and MUF, the own MUF, course, elevation and distance from the
+// own station to the cloud, and where a hop from the own station via the
+// cloud comes down. Cluster spots and reception reports alike go through
+// here. Throws RunTimeError for a floating-point fault.
+EsPath Es_Path(GeoPoint one, GeoPoint two, GeoPoint own, double frequency, PathPoints &points);
+
 // The Es path of the spot's two locators seen from the own locator, into
-// the scratch: the points, and as `path` the midpoint square where the
-// cloud is assumed, the Es critical frequency and MUF, the own MUF, course,
-// elevation and distance from the own station to the cloud, and where a hop
-// from the own station via the cloud comes down. Returns false, with the
+// the scratch (see Es_Path). Returns false, with the
 // spot's error set and nothing computed, when the own locator is wrong.
 bool Compute_EsPath(SpotWork &work, const AnalysisSettings &settings);
 

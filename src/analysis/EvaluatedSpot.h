@@ -33,6 +33,31 @@ struct EsPath {
     friend bool operator==(const EsPath &, const EsPath &) = default;
 };
 
+// Where a cluster spot came from.
+enum class SpotSource : quint8 { Cluster, File, Web };
+
+// How one end of a path was located.
+enum class Located : quint8 {
+    Comment,  // a locator in the spot's comment
+    CallBook, // the call's locator, learned from reports and spots
+    Country,  // the position of the call's country
+};
+
+// A path for a spot whose comment did not name both ends, found through the
+// call book or the country file. It is approximate: the panes never print
+// it, the map draws it lighter, and the Es watch lets it raise "rising" at
+// most.
+struct ApproximatePath {
+    EsPath es;
+    QString spotterLocator; // where the spotter (the receiving end) was put
+    QString dxLocator;      // where the DX station was put
+    Located spotter = Located::Comment;
+    Located dx = Located::Comment;
+    double uncertaintyKm = 0; // the larger of the two ends' uncertainties
+
+    friend bool operator==(const ApproximatePath &, const ApproximatePath &) = default;
+};
+
 // One spot after evaluation: what the line said, what was computed, and
 // what was printed where. Every subscriber (panes, console, headless tool,
 // alerts, history) works from this value alone.
@@ -58,6 +83,9 @@ struct EvaluatedSpot {
     bool esResultPrinted = false; // Es results went into the panes
     QString error;                // why evaluation stopped early, "" when it did not
     QDateTime received;           // UTC, when the line or page came in
+    SpotSource source = SpotSource::Cluster;
+    // Without `es`: a path through the call book or the country file.
+    std::optional<ApproximatePath> approximate;
 
     // When the spot was made: the line's hhmmZ on the day it was received
     // (the day before when that would lie more than an hour ahead), or the

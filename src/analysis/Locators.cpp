@@ -5,6 +5,7 @@
 #include "SpotWork.h"
 #include "UpperCase.h"
 
+#include <algorithm>
 #include <cmath>
 
 namespace zkr {
@@ -166,12 +167,12 @@ void Locator_To_LatLon(QString &locator, double &latitude, double &longitude) {
 }
 
 GeoPoint Locator_Position(QStringView locator) {
-    if (locator.size() < 6) {
+    const bool square = locator.size() == 4 || (locator.size() >= 6 && locator.endsWith(u"??"));
+    if (locator.size() < 6 && !square) {
         // The six characters are read one by one; the code of a missing one
         // is an invalid argument.
         throw RunTimeError(RunTimeError::InvalidArgument);
     }
-    const bool square = locator.endsWith(u"??");
     const QChar subLon = square ? QLatin1Char('L') : locator[4];
     const QChar subLat = square ? QLatin1Char('L') : locator[5];
     const std::int16_t lonField = toInt16(toInt16(toInt16(code(locator[0]) - 65) * 20LL) - 180LL);
@@ -183,6 +184,26 @@ GeoPoint Locator_Position(QStringView locator) {
     latitude += toInt16(code(subLat) - 65) / 24.0;
     latitude += 1.0 / 48.0;
     return GeoPoint{latitude, longitude};
+}
+
+QString Report_Locator(QStringView locator) {
+    const qsizetype size = locator.size();
+    if (size != 4 && size != 6 && size != 8 && size != 10) {
+        return {};
+    }
+    QString upper = locator.toString().toUpper();
+    const QChar *c = upper.constData();
+    // Pairs: field A-R, square 0-9, subsquare A-X, extended square 0-9,
+    // then A-X again.
+    const char pairs[5][2] = {{'A', 'R'}, {'0', '9'}, {'A', 'X'}, {'0', '9'}, {'A', 'X'}};
+    for (qsizetype i = 0; i < size; ++i) {
+        const auto &range = pairs[i / 2];
+        if (!within(c[i], range[0], range[1])) {
+            return {};
+        }
+    }
+    upper.truncate(std::min<qsizetype>(size, 6));
+    return upper;
 }
 
 void LatLon_To_Locator(double latitude, double longitude, QString &locator) {

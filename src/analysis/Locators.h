@@ -31,13 +31,18 @@ void Find_Locators(SpotWork &work);
 // square followed by "LL": a square alone is taken at the centre of its
 // subsquare LL, slightly south-west of the square's centre. Throws
 // RunTimeError(InvalidArgument) for a locator shorter than six characters
-// (after that rewrite), so also for a four-character own locator, and
-// RunTimeError(Overflow) for character codes that overflow the 16-bit field
-// arithmetic.
+// (after that rewrite), and RunTimeError(Overflow) for character codes that
+// overflow the 16-bit field arithmetic.
 void Locator_To_LatLon(QString &locator, double &latitude, double &longitude);
-// The same for six characters without the rewrite: a square followed by
-// "??" is read as the square followed by "LL".
+// The same without the rewrite: a square followed by "??", or a square
+// alone (an own locator of four characters), is read as the square followed
+// by "LL", the way a spot's square is.
 GeoPoint Locator_Position(QStringView locator);
+
+// A locator of 4, 6, 8 or 10 characters in any case, as reception reports
+// carry them, cut to what the path model uses: the upper-cased square, or
+// square and subsquare. Empty when it is no locator.
+QString Report_Locator(QStringView locator);
 
 // The six-character locator of a position. Throws RunTimeError(Overflow)
 // for a position that is not a finite number and RunTimeError

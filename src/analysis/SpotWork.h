@@ -1,7 +1,7 @@
 #pragma once
 
+#include "EsPathModel.h"
 #include "EvaluatedSpot.h"
-#include "Locators.h"
 
 #include <QString>
 
@@ -18,9 +18,7 @@ struct SpotWork {
     // it is a spot to compute.
     bool pathComputed = false;
     EsPath path;
-    // The points of the path (the second one's longitude possibly pulled
-    // apart from the first one's).
-    GeoPoint one, two, own, mid, far;
+    PathPoints points;
 };
 
 } // namespace zkr

@@ -1,5 +1,7 @@
 #include "ClusterSession.h"
 
+#include "RetryDelay.h"
+
 #include <QRandomGenerator>
 #include <QSignalBlocker>
 #include <QTcpSocket>
@@ -17,10 +19,6 @@
 namespace zkr {
 
 namespace {
-
-// The first retry comes within this, however the options are set: a node
-// that restarts should see us back at once.
-constexpr int FirstRetryLimitMs = 5000;
 
 QString endpoint(const QString &name, const QString &host, quint16 port) {
     return name + QLatin1Char(' ') + host + QLatin1Char(':') + QString::number(port);
@@ -202,16 +200,8 @@ void ClusterSession::onDropped(const QString &reason) {
 }
 
 void ClusterSession::scheduleRetry() {
-    // Twice as long each time, up to the limit, and 20 % either way so that
-    // many clients dropped together do not come back together.
-    const double base =
-        std::min<double>(options_.firstRetryMs * std::pow(2.0, attempt_ - 1), options_.maxRetryMs);
-    const double jitter = 0.8 + 0.4 * QRandomGenerator::global()->generateDouble();
-    double delay = std::min<double>(base * jitter, options_.maxRetryMs);
-    if (attempt_ == 1) {
-        delay = std::min<double>(delay, FirstRetryLimitMs);
-    }
-    nextDelayMs_ = std::max(0, static_cast<int>(delay));
+    const RetryPolicy policy{options_.firstRetryMs, options_.maxRetryMs};
+    nextDelayMs_ = policy.delayMs(attempt_, QRandomGenerator::global()->generateDouble());
     retryTimer_->start(nextDelayMs_);
     tickTimer_->start();
     setState(State::Waiting);

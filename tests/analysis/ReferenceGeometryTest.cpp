@@ -73,37 +73,37 @@ TEST_F(Reference, EsPathsAgreeWithGeographicLib) {
                                      .join(' ')
                                      .toStdString();
         double length = 0, course1 = 0, course2 = 0;
-        sphere.Inverse(w.one.latitude, w.one.longitude, w.two.latitude, w.two.longitude, length,
+        sphere.Inverse(w.points.one.latitude, w.points.one.longitude, w.points.two.latitude, w.points.two.longitude, length,
                        course1, course2);
         double midLat = 0, midLon = 0, ownDistance = 0, ownCourse = 0, atMid = 0;
-        sphere.Direct(w.one.latitude, w.one.longitude, course1, length / 2, midLat, midLon);
-        sphere.Inverse(w.own.latitude, w.own.longitude, w.mid.latitude, w.mid.longitude,
+        sphere.Direct(w.points.one.latitude, w.points.one.longitude, course1, length / 2, midLat, midLon);
+        sphere.Inverse(w.points.own.latitude, w.points.own.longitude, w.points.mid.latitude, w.points.mid.longitude,
                        ownDistance, ownCourse, atMid);
         if (length > Pi * Radius - 1 || ownDistance > Pi * Radius - 1 || ownDistance < 1) {
             continue; // midpoint or course not well defined
         }
         ASSERT_NEAR(w.path.pathKm, length, 1e-6) << what;
-        ASSERT_NEAR(w.mid.latitude, midLat, 1e-8) << what;
-        ASSERT_NEAR(wrap180(w.mid.longitude - midLon), 0, 1e-8) << what;
-        ASSERT_EQ(w.path.cloud, LatLon_To_Locator(w.mid.latitude, w.mid.longitude)) << what;
+        ASSERT_NEAR(w.points.mid.latitude, midLat, 1e-8) << what;
+        ASSERT_NEAR(wrap180(w.points.mid.longitude - midLon), 0, 1e-8) << what;
+        ASSERT_EQ(w.path.cloud, LatLon_To_Locator(w.points.mid.latitude, w.points.mid.longitude)) << what;
         ASSERT_NEAR(w.path.ownKm, ownDistance, 1e-6) << what;
         ASSERT_NEAR(wrap180(w.path.azimuth - ownCourse), 0, 1e-7) << what;
         double farLat = 0, farLon = 0;
-        sphere.Direct(w.own.latitude, w.own.longitude, w.path.azimuth, 2 * w.path.ownKm, farLat,
+        sphere.Direct(w.points.own.latitude, w.points.own.longitude, w.path.azimuth, 2 * w.path.ownKm, farLat,
                       farLon);
-        const double change = wrap180(farLon - w.own.longitude);
+        const double change = wrap180(farLon - w.points.own.longitude);
         if (std::fabs(farLat) > 89.99 || std::fabs(std::fabs(change) - 180) < 1e-6) {
             continue;
         }
-        double expected = w.own.longitude + change;
+        double expected = w.points.own.longitude + change;
         if (expected > 180) {
             expected = 180 - expected;
             ++reflected;
         }
         expected += expected < -180 ? 360 : 0;
-        ASSERT_NEAR(w.far.latitude, farLat, 1e-8) << what;
-        ASSERT_NEAR(w.far.longitude, expected, 1e-8) << what;
-        ASSERT_EQ(w.path.far, LatLon_To_Locator(w.far.latitude, w.far.longitude)) << what;
+        ASSERT_NEAR(w.points.far.latitude, farLat, 1e-8) << what;
+        ASSERT_NEAR(w.points.far.longitude, expected, 1e-8) << what;
+        ASSERT_EQ(w.path.far, LatLon_To_Locator(w.points.far.latitude, w.points.far.longitude)) << what;
     }
     EXPECT_GT(reflected, 50);
 }

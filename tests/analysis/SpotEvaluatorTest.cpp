@@ -94,8 +94,6 @@ TEST(EvaluateClusterLine, FailuresAreReportedInTheValue) {
         // A wrong own locator: printed as a spot that is not computed.
         {"JO62QZ", esLine, ClusterColumns, false, "Own Locator in zkr_muf.ini is wrong !",
          {{esLine.mid(6), K}, {"\r\n", K}}, 0b1011},
-        {"JO62", esLine, ClusterColumns, false,
-         "Run-time error '5':\r\n\r\nInvalid procedure call or argument", {}, 0},
         // Half printed: the line is still ended.
         {"JO62QM", huge, ColumnTable{1, 2, 4, 20, 0, 0, 25, 20}, true,
          "Run-time error '6':\r\n\r\nOverflow", {{huge, K}, {"\r\n", K}}, 0b1001},

@@ -102,8 +102,11 @@ TEST(Locators, SquaresFaultsAndTheFarSide) {
     EXPECT_EQ(position.latitude, lat);
     EXPECT_EQ(position.longitude, lon);
     EXPECT_NEAR(lat + lon, 60 + 11.0 / 24 + 1.0 / 48 + 24 + 11.0 / 12 + 1.0 / 24, 1e-12);
+    // An own locator of a square alone is the square's LL, as a spot's is.
+    EXPECT_EQ(Locator_Position(u"JO62").latitude, Locator_Position(u"JO62LL").latitude);
+    EXPECT_EQ(Locator_Position(u"JO62").longitude, Locator_Position(u"JO62LL").longitude);
     // Too short to read six characters; a field code beyond 16 bits.
-    expectFault([] { Locator_Position(u"JO62"); }, RunTimeError::InvalidArgument, "JO62");
+    expectFault([] { Locator_Position(u"JO62Q"); }, RunTimeError::InvalidArgument, "JO62Q");
     expectFault([] { Locator_Position(u"J??"); }, RunTimeError::InvalidArgument, "J??");
     expectFault([] { Locator_Position(u"\u4E00O62QM"); }, RunTimeError::Overflow, "CJK");
     EXPECT_EQ(LatLon_To_Locator(53.5, 184.5), "SO23GM"); // east of 180: field S
@@ -111,6 +114,18 @@ TEST(Locators, SquaresFaultsAndTheFarSide) {
                 RunTimeError::Overflow, "NaN");
     expectFault([] { LatLon_To_Locator(0, 1e6); }, RunTimeError::Overflow, "beyond 16 bits");
     expectFault([] { LatLon_To_Locator(2000, 0); }, RunTimeError::InvalidArgument, "'A' + 209");
+}
+
+TEST(Locators, ReportLocatorsAreCutToSixCharacters) {
+    const char *const cases[][2] = {
+        {"jo62qm", "JO62QM"},   {"JO62qm12", "JO62QM"}, {"io91wm54ax", "IO91WM"},
+        {"PL09", "PL09"},       {"JO6", ""},            {"JO62Q", ""},
+        {"JO62QMA1", ""},       {"SO62", ""},           {"JO62QY", ""},
+        {"JO62QM1", ""},        {"", ""},               {"JO62QM12AY", ""},
+    };
+    for (const auto &c : cases) {
+        EXPECT_EQ(Report_Locator(QString(c[0])), QString(c[1])) << c[0];
+    }
 }
 
 } // namespace

@@ -18,7 +18,7 @@ EsNowStrip::EsNowStrip(EsWatch &watch, QWidget *parent)
     setObjectName(QStringLiteral("EsNowStrip"));
     alertTimer_->setSingleShot(true);
     connect(alertTimer_, &QTimer::timeout, this, [this] {
-        alert_.clear();
+        dropExpired();
         updateText();
     });
     connect(&watch_, &EsWatch::cloudsChanged, this, &EsNowStrip::updateText);
@@ -50,18 +50,46 @@ std::uint32_t EsNowStrip::background() const {
     return levelColour(level_);
 }
 
-void EsNowStrip::showAlert(const QString &text) {
-    alert_ = text;
-    alertTimer_->start(AlertHoldMs);
+void EsNowStrip::showAlert(WatchLevel level, const QString &text) {
+    dropExpired();
+    const int band = EsWatch::bandOf(level);
+    if (band < 0) {
+        return;
+    }
+    Held &held = held_[static_cast<std::size_t>(band)];
+    if (held.level > level) {
+        return;
+    }
+    held = {level, text, QDeadlineTimer(AlertHoldMs)};
+    dropExpired();
     updateText();
+}
+
+void EsNowStrip::dropExpired() {
+    qint64 next = -1;
+    for (Held &held : held_) {
+        if (held.level == WatchLevel::None) {
+            continue;
+        }
+        if (held.until.hasExpired()) {
+            held = Held();
+        } else if (next < 0 || held.until.remainingTime() < next) {
+            next = held.until.remainingTime();
+        }
+    }
+    if (next >= 0) {
+        alertTimer_->start(static_cast<int>(next) + 1);
+    }
 }
 
 void EsNowStrip::updateText() {
     const WatchCloud *best = watch_.bestCloud();
     level_ = best != nullptr ? best->level : WatchLevel::None;
     QString text = QStringLiteral("Es now: ") + EsWatch::describe(best, watch_.now());
-    if (!alert_.isEmpty()) {
-        text = QStringLiteral("ALERT ") + alert_ + QStringLiteral("  |  ") + text;
+    for (const Held &held : held_) {
+        if (held.level != WatchLevel::None) {
+            text = QStringLiteral("ALERT ") + held.text + QStringLiteral("  |  ") + text;
+        }
     }
     if (text != text_) {
         text_ = text;

@@ -456,7 +456,7 @@ void EsMapView::drawClouds(QPainter &painter) {
     }
 }
 
-void EsMapView::drawLegend(QPainter &painter) {
+void EsMapView::drawLegend(QPainter &painter, const std::vector<const WatchCloud *> &clouds) {
     const QFontMetrics metrics(font());
     const int row = metrics.height() + 2;
     const int sample = 26; // room for a marker or a piece of line before a text
@@ -473,8 +473,23 @@ void EsMapView::drawLegend(QPainter &painter) {
         right = std::max(right, metrics.horizontalAdvance(text));
     }
     const int left = metrics.horizontalAdvance(QStringLiteral("100\u2013144 MHz")) + sample + 8;
-    const QRect box(8, height() - 8 - row * (MufClassCount + 1) - 8, left + sample + right + 16,
-                    row * (MufClassCount + 1) + 8);
+    const QSize size(left + sample + right + 16, row * (MufClassCount + 1) + 8);
+    // In the corner that hides the fewest clouds, bottom left if it hides none.
+    QRect box;
+    std::size_t hidden = 0;
+    for (const QPoint corner : {QPoint(8, height() - 8 - size.height()),
+                                QPoint(width() - 8 - size.width(), height() - 8 - size.height()),
+                                QPoint(8, 8), QPoint(width() - 8 - size.width(), 8)}) {
+        const QRect here(corner, size);
+        const auto under = static_cast<std::size_t>(
+            std::count_if(clouds.begin(), clouds.end(), [&](const WatchCloud *cloud) {
+                return here.adjusted(-40, -10, 40, 10).contains(markerPixel(*cloud).toPoint());
+            }));
+        if (box.isNull() || under < hidden) {
+            box = here;
+            hidden = under;
+        }
+    }
     painter.setPen(QColor(0x80, 0x80, 0x80));
     painter.setBrush(QColor(255, 255, 255, 220));
     painter.drawRect(box);
@@ -524,7 +539,7 @@ void EsMapView::paintEvent(QPaintEvent *) {
     painter.drawPixmap(0, 0, background_);
     painter.setRenderHint(QPainter::Antialiasing);
     drawClouds(painter);
-    drawLegend(painter);
+    drawLegend(painter, watch_.clouds());
 }
 
 void EsMapView::resizeEvent(QResizeEvent *event) {

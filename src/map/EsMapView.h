@@ -84,7 +84,7 @@ private:
     CloudLabels layOutLabels(const std::vector<const WatchCloud *> &clouds,
                              const QFont &font) const;
     void drawClouds(QPainter &painter);
-    void drawLegend(QPainter &painter);
+    void drawLegend(QPainter &painter, const std::vector<const WatchCloud *> &clouds);
     void showSpots(const WatchCloud *cloud, QPoint globalPos);
     QPointF pixelOf(GeoPoint point) const;
 

@@ -86,13 +86,25 @@ void EsNowStrip::updateText() {
     const WatchCloud *best = watch_.bestCloud();
     level_ = best != nullptr ? best->level : WatchLevel::None;
     QString text = QStringLiteral("Es now: ") + EsWatch::describe(best, watch_.now());
-    for (const Held &held : held_) {
-        if (held.level != WatchLevel::None) {
-            text = QStringLiteral("ALERT ") + held.text + QStringLiteral("  |  ") + text;
+    // In the strip an alert is its level and cloud (the rest is in the
+    // notification and the tooltip), so that "Es now" keeps its room.
+    QStringList alerts, whole;
+    for (auto held = held_.rbegin(); held != held_.rend(); ++held) {
+        if (held->level != WatchLevel::None) {
+            alerts.append(held->text.section(QStringLiteral(" FOT="), 0, 0));
+            whole.append(held->text);
         }
+    }
+    if (!alerts.isEmpty()) {
+        text = QStringLiteral("ALERT ") + alerts.join(QStringLiteral(", ")) +
+               QStringLiteral("  |  ") + text;
     }
     if (text != text_) {
         text_ = text;
+        // Rich text with everything escaped: a call like <PJ4/K1ABC> shows.
+        whole.append(text.section(QStringLiteral("  |  "), -1));
+        setToolTip(QStringLiteral("<p style='white-space:pre'>") +
+                   whole.join(QLatin1Char('\n')).toHtmlEscaped() + QStringLiteral("</p>"));
         update();
     }
 }

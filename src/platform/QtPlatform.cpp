@@ -224,9 +224,7 @@ std::optional<QString> QtPlatform::inputBox(const QString &prompt, const QString
     return box.textValue();
 }
 
-QtPlatform::QtPlatform()
-    : bus_(std::make_unique<QDBusConnection>(QDBusConnection::sessionBus())),
-      calls_(std::make_unique<QObject>()) {}
+QtPlatform::QtPlatform() : calls_(std::make_unique<QObject>()) {}
 
 QtPlatform::~QtPlatform() = default;
 
@@ -235,11 +233,14 @@ void QtPlatform::beep(int, int) {
 }
 
 void QtPlatform::setNotificationBus(const QDBusConnection &bus) {
-    *bus_ = bus;
+    bus_ = std::make_unique<QDBusConnection>(bus);
     markup_ = Markup::Unknown;
 }
 
 bool QtPlatform::notificationServiceAvailable() {
+    if (!bus_) {
+        bus_ = std::make_unique<QDBusConnection>(QDBusConnection::sessionBus());
+    }
     const QDBusConnectionInterface *daemon = bus_->isConnected() ? bus_->interface() : nullptr;
     if (daemon == nullptr) {
         return false;

@@ -313,6 +313,10 @@ EsMapView::CloudLabels EsMapView::layOutLabels(const std::vector<const WatchClou
                                                const QFont &font) const {
     const QFontMetricsF metrics(font);
     CloudLabels labels;
+    // Among many clouds the grid's labels stay: a label each is too dear.
+    if (clouds.size() > MaxLabelledClouds) {
+        return labels;
+    }
     const QPointF own = viewport_.toPixel(QPointF());
     labels.covered.push_back(QRectF(own.x() - 6, own.y() - 6, 12, 12));
     const QFontMetricsF station(this->font());
@@ -322,9 +326,6 @@ EsMapView::CloudLabels EsMapView::layOutLabels(const std::vector<const WatchClou
         const QPointF at = markerPixel(*cloud);
         labels.covered.push_back(QRectF(at.x() - MarkerRadius, at.y() - MarkerRadius,
                                         2 * MarkerRadius, 2 * MarkerRadius));
-    }
-    if (clouds.size() > MaxLabelledClouds) {
-        return labels;
     }
     // The most telling clouds get their place first.
     std::vector<const WatchCloud *> ranked = clouds;

@@ -143,10 +143,9 @@ TEST(QtPlatform, NotificationsGoToTheDesktopServiceOverDBus) {
             QDBusConnection serviceBus = QDBusConnection::connectToBus(address, name + "service");
             FakeNotifications fake;
             fake.capabilities = capabilities;
-            ASSERT_EQ(serviceBus.registerService("org.freedesktop.Notifications") &&
-                          serviceBus.registerObject("/org/freedesktop/Notifications", &fake,
-                                                    QDBusConnection::ExportAllSlots),
-                      true);
+            ASSERT_TRUE(serviceBus.registerService("org.freedesktop.Notifications") &&
+                        serviceBus.registerObject("/org/freedesktop/Notifications", &fake,
+                                                  QDBusConnection::ExportAllSlots));
             if (!service) {
                 serviceBus.unregisterService("org.freedesktop.Notifications");
             }

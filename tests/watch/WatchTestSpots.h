@@ -20,9 +20,8 @@ struct SpotSpec {
     double minutes = 0;
     const char *mode = "ES";
     double muf = 90;
-    // "spot", "approximate" (a spot with an approximate path only), or a
-    // report over a path of `pathKm`: "own" (a decode at the own station),
-    // "psk" (a PSK Reporter report of others).
+    // "spot", "approximate" (a spot with an approximate path only), or a report
+    // over `pathKm`: "own" (decoded at the own station), "psk" (of others).
     const char *kind = "spot";
     double pathKm = 1500;
 };

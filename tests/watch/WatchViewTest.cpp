@@ -21,7 +21,6 @@ TEST(EsNowStrip, HoldsTheHighestAlertOfEachBand) {
         {{{Confirmed144, "c2 FOT=150MHz"}, {Confirmed70, "c4"}}, "ALERT c2, c4  |  "},
         {{{Open144, "o2"}, {Rising, "r2"}, {Open50, "o6"}}, "ALERT o2, o6  |  "},
         {{{Rising, "r2"}, {Open144, "o2"}}, "ALERT o2  |  "},
-        {{{Open50, "o6"}, {Confirmed50, "c6"}, {Open50, "o6 again"}}, "ALERT c6  |  "},
     };
     for (const auto &[alerts, shown] : cases) {
         EsWatch watch;

@@ -7,7 +7,7 @@ cd "$(dirname "$0")"
 packages=(build-essential cmake ninja-build pkg-config qt6-base-dev libgl-dev
           libgtest-dev libgmock-dev libbenchmark-dev libhamlib-dev libgeographiclib-dev
           fontconfig fonts-dejavu-core xvfb xauth clang libclang-rt-14-dev
-          desktop-file-utils appstream dpkg-dev libqt6sql6-sqlite)
+          desktop-file-utils appstream dpkg-dev libqt6sql6-sqlite dbus-daemon)
 
 missing=()
 for package in "${packages[@]}"; do

@@ -9,6 +9,7 @@
 #include <QMouseEvent>
 #include <QPainter>
 #include <QPainterPath>
+#include <QRegion>
 #include <QStandardPaths>
 #include <QWheelEvent>
 
@@ -24,13 +25,28 @@ const QColor SeaColour(0xC8, 0xE0, 0xF6);
 
 constexpr double MarkerRadius = 6;
 constexpr int MaxSpotsListed = 12;
-// Markers get their square written beside them while there are few.
+// Markers get their square and sources written beside them while there are
+// few.
 constexpr std::size_t MaxLabelledClouds = 60;
 
 QColor fromRgb(std::uint32_t value, int alpha = 255) {
     QColor colour = QColor::fromRgb(static_cast<QRgb>(value));
     colour.setAlpha(alpha);
     return colour;
+}
+
+// A cloud's marker: filled with its MUF colour, or hollow for a cloud that
+// only approximate paths saw.
+void drawMarker(QPainter &painter, QPointF at, std::uint32_t rgb, int alpha, bool hollow) {
+    if (hollow) {
+        painter.setPen(QPen(fromRgb(rgb, alpha), 2.5));
+        painter.setBrush(Qt::NoBrush);
+        painter.drawEllipse(at, MarkerRadius - 1, MarkerRadius - 1);
+    } else {
+        painter.setPen(QPen(QColor(0, 0, 0, alpha), 1));
+        painter.setBrush(fromRgb(rgb, alpha));
+        painter.drawEllipse(at, MarkerRadius, MarkerRadius);
+    }
 }
 
 } // namespace
@@ -76,6 +92,7 @@ void EsMapView::setOwnLocator(const QString &locator) {
     ownLocator_ = locator;
     projection_ = AzimuthalProjection(locatorCentre(locator).value_or(GeoPoint{}));
     viewport_.reset();
+    userMoved_ = false;
     invalidateBackground();
 }
 
@@ -198,33 +215,7 @@ void EsMapView::buildBackground() {
     }
     drawGrid(false, QPen(QColor(0x60, 0x70, 0x90), 1.0));
 
-    QFont small = font();
-    small.setPointSizeF(small.pointSizeF() * 0.75);
-    const QRectF inSight = rect().adjusted(-20, -20, 20, 20);
-    if (squares) {
-        painter.setFont(small);
-        painter.setPen(QColor(0x80, 0x88, 0xA0));
-        for (const GridLabel &label : maidenheadLabels(true, south, north, west, east)) {
-            const QPointF at = pixelOf(label.centre);
-            if (inSight.contains(at)) {
-                painter.drawText(QRectF(at.x() - 30, at.y() - 8, 60, 16), Qt::AlignCenter,
-                                 label.text.right(2));
-            }
-        }
-    }
-    QFont bold = font();
-    bold.setBold(true);
-    bold.setPointSizeF(bold.pointSizeF() * 1.4);
-    painter.setFont(bold);
-    painter.setPen(QColor(0x40, 0x50, 0x80, 0xB0));
-    for (const GridLabel &label : maidenheadLabels(false, south, north, west, east)) {
-        // Fields are labelled near their south-west corner, out of the way
-        // of the squares' labels.
-        const QPointF at = pixelOf({label.centre.latitude - 4.5, label.centre.longitude - 8.5});
-        if (inSight.contains(at)) {
-            painter.drawText(at, label.text);
-        }
-    }
+    drawGridLabels(south, north, west, east, squares);
 
     // The own station.
     const QPointF own = viewport_.toPixel(QPointF());
@@ -236,20 +227,156 @@ void EsMapView::buildBackground() {
     backgroundStale_ = false;
 }
 
+void EsMapView::drawGridLabels(double south, double north, double west, double east, bool squares) {
+    const qreal ratio = devicePixelRatioF();
+    gridText_ = QPixmap(size() * ratio);
+    gridText_.setDevicePixelRatio(ratio);
+    gridText_.fill(Qt::transparent);
+    gridTextRects_.clear();
+    QPainter painter(&gridText_);
+    painter.setRenderHint(QPainter::Antialiasing);
+    const QRectF inSight = rect().adjusted(-20, -20, 20, 20);
+    if (squares) {
+        QFont small = font();
+        small.setPointSizeF(small.pointSizeF() * 0.75);
+        painter.setFont(small);
+        painter.setPen(QColor(0x80, 0x88, 0xA0));
+        for (const GridLabel &label : maidenheadLabels(true, south, north, west, east)) {
+            const QPointF at = pixelOf(label.centre);
+            if (inSight.contains(at)) {
+                const QRectF box(at.x() - 30, at.y() - 8, 60, 16);
+                QRectF drawn;
+                painter.drawText(box, Qt::AlignCenter, label.text.right(2), &drawn);
+                gridTextRects_.push_back(drawn);
+            }
+        }
+    }
+    QFont bold = font();
+    bold.setBold(true);
+    bold.setPointSizeF(bold.pointSizeF() * 1.4);
+    painter.setFont(bold);
+    painter.setPen(QColor(0x40, 0x50, 0x80, 0xB0));
+    const QFontMetricsF metrics(bold);
+    for (const GridLabel &label : maidenheadLabels(false, south, north, west, east)) {
+        // Fields are labelled near their south-west corner, out of the way
+        // of the squares' labels.
+        const QPointF at = pixelOf({label.centre.latitude - 4.5, label.centre.longitude - 8.5});
+        if (inSight.contains(at)) {
+            painter.drawText(at, label.text);
+            gridTextRects_.push_back(QRectF(at.x(), at.y() - metrics.ascent(),
+                                            metrics.horizontalAdvance(label.text),
+                                            metrics.height()));
+        }
+    }
+}
+
+QString EsMapView::sourceTags(const WatchCloud &cloud) {
+    bool spot = false, here = false, others = false;
+    for (const WatchSpot &seen : cloud.spots) {
+        spot = spot || !seen.isReport();
+        here = here || seen.atOwnStation;
+        others = others || (seen.isReport() && !seen.atOwnStation);
+    }
+    QStringList tags;
+    for (const auto &[seen, tag] : {std::pair{spot, "DX"}, {here, "RX"}, {others, "PSK"}}) {
+        if (seen) {
+            tags.append(QLatin1String(tag));
+        }
+    }
+    return tags.join(QLatin1Char(' '));
+}
+
+bool EsMapView::fitToClouds() {
+    const double aspect = viewport_.pixelHeight() / viewport_.pixelWidth();
+    const double width = MapViewport::DefaultWidthKm;
+    double left = -width / 2, right = width / 2;
+    double bottom = -width * aspect / 2, top = width * aspect / 2;
+    // Room for the marker and its label beyond the outermost clouds.
+    constexpr double MarginKm = 250;
+    for (const WatchCloud *cloud : watch_.clouds()) {
+        if (cloud->spots.empty() || cloud->best.ownKm >= Distance_Limit) {
+            continue;
+        }
+        const QPointF km = projection_.project(locatorCentre(cloud->square).value_or(GeoPoint{}));
+        left = std::min(left, km.x() - MarginKm);
+        right = std::max(right, km.x() + MarginKm);
+        bottom = std::min(bottom, km.y() - MarginKm);
+        top = std::max(top, km.y() + MarginKm);
+    }
+    const double widthBefore = viewport_.widthKm();
+    const QPointF centreBefore = viewport_.centreKm();
+    viewport_.fit(QRectF(left, bottom, right - left, top - bottom));
+    return viewport_.widthKm() != widthBefore || viewport_.centreKm() != centreBefore;
+}
+
+EsMapView::CloudLabels EsMapView::layOutLabels(const std::vector<const WatchCloud *> &clouds,
+                                               const QFont &font) const {
+    const QFontMetricsF metrics(font);
+    CloudLabels labels;
+    // Among many clouds the grid's labels stay: a label each is too dear.
+    if (clouds.size() > MaxLabelledClouds) {
+        return labels;
+    }
+    const QPointF own = viewport_.toPixel(QPointF());
+    labels.covered.push_back(QRectF(own.x() - 6, own.y() - 6, 12, 12));
+    const QFontMetricsF station(this->font());
+    labels.covered.push_back(QRectF(own.x() + 8, own.y() - 8 - station.ascent(),
+                                    station.horizontalAdvance(ownLocator_), station.height()));
+    for (const WatchCloud *cloud : clouds) {
+        const QPointF at = markerPixel(*cloud);
+        labels.covered.push_back(QRectF(at.x() - MarkerRadius, at.y() - MarkerRadius,
+                                        2 * MarkerRadius, 2 * MarkerRadius));
+    }
+    // The most telling clouds get their place first.
+    std::vector<const WatchCloud *> ranked = clouds;
+    std::sort(ranked.begin(), ranked.end(), [](const WatchCloud *a, const WatchCloud *b) {
+        return a->level != b->level ? a->level > b->level : a->lastSpot > b->lastSpot;
+    });
+    std::vector<LabelRequest> requests;
+    for (const WatchCloud *cloud : ranked) {
+        labels.texts.append((cloud->square + QLatin1Char(' ') + sourceTags(*cloud)).trimmed());
+        requests.push_back(
+            {markerPixel(*cloud),
+             QSizeF(metrics.horizontalAdvance(labels.texts.back()) + 4, metrics.height())});
+    }
+    labels.rects = placeLabels(requests, MarkerRadius + 2, labels.covered);
+    labels.covered.insert(labels.covered.end(), labels.rects.begin(), labels.rects.end());
+    return labels;
+}
+
 void EsMapView::drawClouds(QPainter &painter) {
     const QDateTime now = watch_.now();
     const std::vector<const WatchCloud *> clouds = watch_.clouds();
     const QPointF own = viewport_.toPixel(QPointF());
+    QFont small = font();
+    small.setPointSizeF(small.pointSizeF() * 0.85);
+    const CloudLabels labels = layOutLabels(clouds, small);
+
+    // The grid's labels, less those under a cloud's marker or label.
+    QRegion hidden;
+    for (const QRectF &label : gridTextRects_) {
+        if (std::any_of(labels.covered.begin(), labels.covered.end(),
+                        [&label](const QRectF &other) { return other.intersects(label); })) {
+            hidden += label.toAlignedRect().adjusted(-1, -1, 1, 1);
+        }
+    }
+    painter.save();
+    painter.setClipRegion(QRegion(rect()) - hidden);
+    painter.drawPixmap(0, 0, gridText_);
+    painter.restore();
+
     // Every painter call costs a pass of the rasterizer (threads included):
-    // clouds are gathered into one path per colour and fade step, so a
-    // thousand clouds are a few dozen calls.
+    // clouds are gathered into one path per kind, colour and fade step, so
+    // a thousand clouds are a few dozen calls.
     constexpr int FadeSteps = 6;
+    constexpr std::size_t PerKind = MufClassCount * FadeSteps;
     struct Bucket {
         QList<QLineF> paths;
         QList<QLineF> farPaths;
         std::vector<QPointF> centres;
     };
-    std::array<Bucket, MufClassCount * FadeSteps> buckets;
+    // Exact clouds first, then those only approximate paths saw.
+    std::array<Bucket, 2 * PerKind> buckets;
     auto stepOf = [](double age) {
         return std::clamp(static_cast<int>(age / (EsWatch::CloudKeptSecs / FadeSteps)), 0,
                           FadeSteps - 1);
@@ -260,7 +387,8 @@ void EsMapView::drawClouds(QPainter &painter) {
         }
         const double age = static_cast<double>(cloud->lastSpot.secsTo(now));
         Bucket &bucket =
-            buckets[static_cast<std::size_t>(mufClass(cloud->keptMuf()) * FadeSteps + stepOf(age))];
+            buckets[(cloud->approximate ? PerKind : 0) +
+                    static_cast<std::size_t>(mufClass(cloud->keptMuf()) * FadeSteps + stepOf(age))];
         const QPointF at = markerPixel(*cloud);
         bucket.centres.push_back(at);
         if (cloud->best.ownKm < Distance_Limit) {
@@ -270,16 +398,22 @@ void EsMapView::drawClouds(QPainter &painter) {
             }
         }
     }
+    const auto colourOf = [](std::size_t i) {
+        return mufClassAt(static_cast<int>(i % PerKind / FadeSteps)).rgb;
+    };
+    const auto alphaOf = [](std::size_t i) {
+        return fadeAlpha((static_cast<double>(i % FadeSteps) + 0.5) * EsWatch::CloudKeptSecs /
+                         FadeSteps);
+    };
     // Thin opaque paths without antialiasing, faded towards the sea colour
     // rather than made transparent: the raster engine draws translucent
     // lines some twenty times slower, a thousand of them a frame each.
+    // Approximate paths are lighter.
     painter.setRenderHint(QPainter::Antialiasing, false);
     painter.setBrush(Qt::NoBrush);
     for (std::size_t i = 0; i < buckets.size(); ++i) {
-        const double weight = fadeAlpha((static_cast<double>(i % FadeSteps) + 0.5) *
-                                        EsWatch::CloudKeptSecs / FadeSteps) *
-                              0.75 / 255.0;
-        const QColor full = fromRgb(mufClassAt(static_cast<int>(i / FadeSteps)).rgb, 255);
+        const double weight = alphaOf(i) * (i < PerKind ? 0.75 : 0.35) / 255.0;
+        const QColor full = fromRgb(colourOf(i), 255);
         const auto mix = [weight](int ink, int sea) {
             return static_cast<int>(std::lround(ink * weight + sea * (1 - weight)));
         };
@@ -290,62 +424,115 @@ void EsMapView::drawClouds(QPainter &painter) {
         painter.setPen(QPen(colour, 0, Qt::DashLine));
         painter.drawLines(buckets[i].farPaths);
     }
-    // Markers are stamped from one drawn marker per colour and fade step.
+    // Markers are stamped from one drawn marker per kind, colour and fade
+    // step.
     const qreal ratio = devicePixelRatioF();
     const int side = static_cast<int>(std::ceil((MarkerRadius + 1.5) * 2));
     for (std::size_t i = 0; i < buckets.size(); ++i) {
         if (buckets[i].centres.empty()) {
             continue;
         }
-        const int alpha = fadeAlpha((static_cast<double>(i % FadeSteps) + 0.5) *
-                                    EsWatch::CloudKeptSecs / FadeSteps);
         QPixmap marker(QSize(side, side) * ratio);
         marker.setDevicePixelRatio(ratio);
         marker.fill(Qt::transparent);
         {
             QPainter stamp(&marker);
             stamp.setRenderHint(QPainter::Antialiasing);
-            stamp.setPen(QPen(QColor(0, 0, 0, alpha), 1));
-            stamp.setBrush(fromRgb(mufClassAt(static_cast<int>(i / FadeSteps)).rgb, alpha));
-            stamp.drawEllipse(QPointF(side / 2.0, side / 2.0), MarkerRadius, MarkerRadius);
+            drawMarker(stamp, QPointF(side / 2.0, side / 2.0), colourOf(i), alphaOf(i),
+                       i >= PerKind);
         }
         for (const QPointF &at : buckets[i].centres) {
             painter.drawPixmap(at - QPointF(side / 2.0, side / 2.0), marker);
         }
     }
     painter.setRenderHint(QPainter::Antialiasing);
-    if (clouds.size() <= MaxLabelledClouds) {
-        QFont small = font();
-        small.setPointSizeF(small.pointSizeF() * 0.85);
-        painter.setFont(small);
-        painter.setPen(Qt::black);
-        for (const WatchCloud *cloud : clouds) {
-            painter.drawText(markerPixel(*cloud) + QPointF(MarkerRadius + 2, 4), cloud->square);
+    painter.setFont(small);
+    for (std::size_t i = 0; i < labels.rects.size(); ++i) {
+        if (labels.rects[i].isNull()) {
+            continue;
         }
+        painter.fillRect(labels.rects[i], QColor(255, 255, 255, 170));
+        painter.setPen(Qt::black);
+        painter.drawText(labels.rects[i], Qt::AlignCenter, labels.texts[static_cast<qsizetype>(i)]);
     }
 }
 
-void EsMapView::drawLegend(QPainter &painter) {
+void EsMapView::drawLegend(QPainter &painter, const std::vector<const WatchCloud *> &clouds) {
     const QFontMetrics metrics(font());
     const int row = metrics.height() + 2;
-    const QRect box(8, height() - 8 - row * (MufClassCount + 1) - 8,
-                    metrics.horizontalAdvance(QStringLiteral("100\u2013144 MHz")) + 40,
-                    row * (MufClassCount + 1) + 8);
+    const int sample = 26; // room for a marker or a piece of line before a text
+    // Left the MUF colours, right what lines, fading, hollow markers and
+    // the labels' tags mean.
+    const QStringList meanings{QStringLiteral("Lines and markers"),
+                               QStringLiteral("your station to a cloud within 1500 km"),
+                               QStringLiteral("on to where a hop via it comes down"),
+                               QStringLiteral("older: fades out over 30 minutes"),
+                               QStringLiteral("approximate path (call book, country)"),
+                               QStringLiteral("DX spot, RX heard here, PSK Reporter")};
+    int right = 0;
+    for (const QString &text : meanings) {
+        right = std::max(right, metrics.horizontalAdvance(text));
+    }
+    const int left = metrics.horizontalAdvance(QStringLiteral("100\u2013144 MHz")) + sample + 8;
+    const QSize size(left + sample + right + 16, row * (MufClassCount + 1) + 8);
+    // In the corner that hides the fewest clouds, bottom left if it hides none.
+    QRect box;
+    std::size_t hidden = 0;
+    for (const QPoint corner : {QPoint(8, height() - 8 - size.height()),
+                                QPoint(width() - 8 - size.width(), height() - 8 - size.height()),
+                                QPoint(8, 8), QPoint(width() - 8 - size.width(), 8)}) {
+        const QRect here(corner, size);
+        const auto under = static_cast<std::size_t>(
+            std::count_if(clouds.begin(), clouds.end(), [&](const WatchCloud *cloud) {
+                return here.adjusted(-40, -10, 40, 10).contains(markerPixel(*cloud).toPoint());
+            }));
+        if (box.isNull() || under < hidden) {
+            box = here;
+            hidden = under;
+        }
+    }
     painter.setPen(QColor(0x80, 0x80, 0x80));
     painter.setBrush(QColor(255, 255, 255, 220));
     painter.drawRect(box);
     painter.setPen(Qt::black);
-    painter.drawText(box.left() + 8, box.top() + 4 + metrics.ascent(), QStringLiteral("Es MUF"));
+    const int top = box.top() + 4;
+    painter.drawText(box.left() + 8, top + metrics.ascent(), QStringLiteral("Es MUF"));
     for (int i = 0; i < MufClassCount; ++i) {
-        const int y = box.top() + 4 + row * (i + 1);
-        painter.setBrush(fromRgb(mufClassAt(i).rgb));
-        painter.drawEllipse(QPointF(box.left() + 14, y + row / 2.0), 5, 5);
-        painter.drawText(box.left() + 26, y + metrics.ascent(),
+        const int y = top + row * (i + 1);
+        drawMarker(painter, QPointF(box.left() + 14, y + row / 2.0), mufClassAt(i).rgb, 255, false);
+        painter.setPen(Qt::black);
+        painter.drawText(box.left() + sample, y + metrics.ascent(),
                          QString::fromUtf8(mufClassAt(i).label) + QStringLiteral(" MHz"));
+    }
+    const int x = box.left() + left;
+    const QColor ink = fromRgb(mufClassAt(3).rgb);
+    for (int i = 0; i < meanings.size(); ++i) {
+        const int y = top + row * i;
+        const double middle = y + row / 2.0;
+        switch (i) {
+        case 1:
+        case 2:
+            painter.setPen(QPen(ink, 1.5, i == 1 ? Qt::SolidLine : Qt::DashLine));
+            painter.drawLine(QPointF(x, middle), QPointF(x + sample - 6, middle));
+            break;
+        case 3:
+            drawMarker(painter, QPointF(x + 8, middle), mufClassAt(3).rgb, fadeAlpha(1500), false);
+            break;
+        case 4:
+            drawMarker(painter, QPointF(x + 8, middle), mufClassAt(3).rgb, 255, true);
+            break;
+        default:
+            break;
+        }
+        painter.setPen(Qt::black);
+        painter.drawText(i == 0 ? x : x + sample, y + metrics.ascent(), meanings[i]);
     }
 }
 
 void EsMapView::paintEvent(QPaintEvent *) {
+    if (!userMoved_ && fitToClouds()) {
+        backgroundStale_ = true;
+    }
     if (backgroundStale_ || background_.size() != size() * devicePixelRatioF()) {
         buildBackground();
     }
@@ -353,7 +540,7 @@ void EsMapView::paintEvent(QPaintEvent *) {
     painter.drawPixmap(0, 0, background_);
     painter.setRenderHint(QPainter::Antialiasing);
     drawClouds(painter);
-    drawLegend(painter);
+    drawLegend(painter, watch_.clouds());
 }
 
 void EsMapView::resizeEvent(QResizeEvent *event) {
@@ -365,6 +552,7 @@ void EsMapView::resizeEvent(QResizeEvent *event) {
 void EsMapView::wheelEvent(QWheelEvent *event) {
     const double steps = event->angleDelta().y() / 120.0;
     viewport_.zoomAt(event->position(), std::pow(1.25, steps));
+    userMoved_ = true;
     invalidateBackground();
     event->accept();
 }
@@ -385,6 +573,7 @@ void EsMapView::mouseMoveEvent(QMouseEvent *event) {
             dragged_ = true;
             dragFrom_ = at;
             viewport_.panByPixels(delta);
+            userMoved_ = true;
             spotList_->hide();
             invalidateBackground();
         }
@@ -407,8 +596,21 @@ void EsMapView::mouseReleaseEvent(QMouseEvent *event) {
         return;
     }
     const WatchCloud *cloud = cloudAt(event->position());
-    if (cloud != nullptr && !cloud->spots.empty()) {
-        Q_EMIT spotChosen(cloud->spots.front());
+    if (cloud == nullptr) {
+        return;
+    }
+    // Reports are not in the panes: the newest spot is chosen.
+    const auto spot = std::find_if(cloud->spots.begin(), cloud->spots.end(),
+                                   [](const WatchSpot &seen) { return !seen.isReport(); });
+    if (spot != cloud->spots.end()) {
+        Q_EMIT spotChosen(*spot);
+    }
+}
+
+void EsMapView::mouseDoubleClickEvent(QMouseEvent *event) {
+    if (event->button() == Qt::LeftButton) {
+        userMoved_ = false;
+        invalidateBackground();
     }
 }
 
@@ -424,13 +626,21 @@ void EsMapView::showSpots(const WatchCloud *cloud, QPoint globalPos) {
         return;
     }
     QStringList lines{EsWatch::describe(cloud, watch_.now())};
+    QStringList sources;
+    for (const WatchSpot &spot : cloud->spots) {
+        if (!sources.contains(spot.source)) {
+            sources.append(spot.source);
+        }
+    }
+    lines.append(QStringLiteral("seen by ") + sources.join(QStringLiteral(", ")));
     int listed = 0;
     for (const WatchSpot &spot : cloud->spots) {
         if (++listed > MaxSpotsListed) {
             lines.append(QStringLiteral("... %1 more").arg(cloud->spots.size() - MaxSpotsListed));
             break;
         }
-        lines.append(spot.printed);
+        // Approximate paths are marked: their ends are guessed.
+        lines.append((spot.approximate ? QStringLiteral("~ ") : QString()) + spot.printed);
     }
     spotList_->setText(lines.join(QLatin1Char('\n')));
     spotList_->adjustSize();

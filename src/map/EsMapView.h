@@ -15,13 +15,18 @@ namespace zkr {
 
 // The Map tab: coastlines, the Maidenhead grid and the own station on an
 // azimuthal equidistant map centred on the station, and every cloud the
-// watch keeps as a marker coloured by its MUF, fading with age. Clouds
-// within the distance limit get the great circle from the station through
-// the cloud to the far square. The wheel zooms, a drag pans; hovering a
-// marker lists its spots, a click on it chooses its newest spot.
+// watch keeps as a marker coloured by its MUF, fading with age, hollow when
+// only approximate paths saw it, labelled with its square and the kinds of
+// source that saw it. Clouds within the distance limit get the great circle
+// from the station through the cloud to the far square. Until the user
+// zooms or pans, the view takes in every cloud within the distance limit.
+// The wheel zooms, a drag pans, a double click goes back to that view;
+// hovering a marker lists its spots and reports, a click on it chooses its
+// newest spot.
 //
-// What does not move with the clouds (coast, grid, labels, station) is
-// painted once into a cached image, again only after a resize, zoom or pan.
+// What does not move with the clouds (coast, grid, station) is painted once
+// into a cached image, the grid's labels into another, again only after a
+// resize, zoom or pan; grid labels under a cloud's label are left out.
 class EsMapView : public QWidget {
     Q_OBJECT
 public:
@@ -41,6 +46,16 @@ public:
     // The coastline file: in the first of these folders that has one, else
     // in the desktop's data folders.
     static QString coastlineFile(const QStringList &folders);
+    // The kinds of source that saw a cloud: "DX" cluster spots, "RX"
+    // decodes at the own station, "PSK" reports of others; for example
+    // "DX RX".
+    static QString sourceTags(const WatchCloud &cloud);
+    // Whether the view follows the clouds (the user has not zoomed or
+    // panned since the start or the last double click).
+    bool followsClouds() const { return !userMoved_; }
+    // Fits the view to the own station and the clouds within the distance
+    // limit (at least the default view); true when the view changed.
+    bool fitToClouds();
 
 Q_SIGNALS:
     void spotChosen(const zkr::WatchSpot &spot);
@@ -52,12 +67,24 @@ protected:
     void mousePressEvent(QMouseEvent *event) override;
     void mouseMoveEvent(QMouseEvent *event) override;
     void mouseReleaseEvent(QMouseEvent *event) override;
+    void mouseDoubleClickEvent(QMouseEvent *event) override;
     void leaveEvent(QEvent *event) override;
 
 private:
     void buildBackground();
+    // The grid's labels into `gridText_`, their rects into `gridTextRects_`.
+    void drawGridLabels(double south, double north, double west, double east, bool squares);
+    // Cloud labels placed apart from each other and from the markers, while
+    // there are few clouds; and what the grid's labels must leave free.
+    struct CloudLabels {
+        QStringList texts;
+        std::vector<QRectF> rects; // empty where there was no room
+        std::vector<QRectF> covered;
+    };
+    CloudLabels layOutLabels(const std::vector<const WatchCloud *> &clouds,
+                             const QFont &font) const;
     void drawClouds(QPainter &painter);
-    void drawLegend(QPainter &painter);
+    void drawLegend(QPainter &painter, const std::vector<const WatchCloud *> &clouds);
     void showSpots(const WatchCloud *cloud, QPoint globalPos);
     QPointF pixelOf(GeoPoint point) const;
 
@@ -69,6 +96,9 @@ private:
     std::vector<QPolygonF> coastKm_;
     std::vector<QRectF> coastBounds_;
     QPixmap background_;
+    QPixmap gridText_;
+    std::vector<QRectF> gridTextRects_;
+    bool userMoved_ = false;
     bool backgroundStale_ = true;
     int backgroundBuilds_ = 0;
     QPoint dragFrom_;

@@ -18,7 +18,7 @@ EsNowStrip::EsNowStrip(EsWatch &watch, QWidget *parent)
     setObjectName(QStringLiteral("EsNowStrip"));
     alertTimer_->setSingleShot(true);
     connect(alertTimer_, &QTimer::timeout, this, [this] {
-        alert_.clear();
+        dropExpired();
         updateText();
     });
     connect(&watch_, &EsWatch::cloudsChanged, this, &EsNowStrip::updateText);
@@ -50,21 +50,61 @@ std::uint32_t EsNowStrip::background() const {
     return levelColour(level_);
 }
 
-void EsNowStrip::showAlert(const QString &text) {
-    alert_ = text;
-    alertTimer_->start(AlertHoldMs);
+void EsNowStrip::showAlert(WatchLevel level, const QString &text) {
+    dropExpired();
+    const int band = EsWatch::bandOf(level);
+    if (band < 0) {
+        return;
+    }
+    Held &held = held_[static_cast<std::size_t>(band)];
+    if (held.level > level) {
+        return;
+    }
+    held = {level, text, QDeadlineTimer(AlertHoldMs)};
+    dropExpired();
     updateText();
+}
+
+void EsNowStrip::dropExpired() {
+    qint64 next = -1;
+    for (Held &held : held_) {
+        if (held.level == WatchLevel::None) {
+            continue;
+        }
+        if (held.until.hasExpired()) {
+            held = Held();
+        } else if (next < 0 || held.until.remainingTime() < next) {
+            next = held.until.remainingTime();
+        }
+    }
+    if (next >= 0) {
+        alertTimer_->start(static_cast<int>(next) + 1);
+    }
 }
 
 void EsNowStrip::updateText() {
     const WatchCloud *best = watch_.bestCloud();
     level_ = best != nullptr ? best->level : WatchLevel::None;
     QString text = QStringLiteral("Es now: ") + EsWatch::describe(best, watch_.now());
-    if (!alert_.isEmpty()) {
-        text = QStringLiteral("ALERT ") + alert_ + QStringLiteral("  |  ") + text;
+    // In the strip an alert is its level and cloud (the rest is in the
+    // notification and the tooltip), so that "Es now" keeps its room.
+    QStringList alerts, whole;
+    for (auto held = held_.rbegin(); held != held_.rend(); ++held) {
+        if (held->level != WatchLevel::None) {
+            alerts.append(held->text.section(QStringLiteral(" FOT="), 0, 0));
+            whole.append(held->text);
+        }
+    }
+    if (!alerts.isEmpty()) {
+        text = QStringLiteral("ALERT ") + alerts.join(QStringLiteral(", ")) +
+               QStringLiteral("  |  ") + text;
     }
     if (text != text_) {
         text_ = text;
+        // Rich text with everything escaped: a call like <PJ4/K1ABC> shows.
+        whole.append(text.section(QStringLiteral("  |  "), -1));
+        setToolTip(QStringLiteral("<p style='white-space:pre'>") +
+                   whole.join(QLatin1Char('\n')).toHtmlEscaped() + QStringLiteral("</p>"));
         update();
     }
 }

@@ -2,7 +2,10 @@
 
 #include "EsWatch.h"
 
+#include <QDeadlineTimer>
 #include <QWidget>
+
+#include <array>
 
 class QTimer;
 
@@ -10,8 +13,9 @@ namespace zkr {
 
 // The "Es now" strip above the tabs: one line of plain text on the colour
 // of the best cloud's level, elided to the width it is given (it never asks
-// for more, so the window keeps its width). An alert the desktop could not
-// show stays in the strip for AlertHoldMs.
+// for more, so the window keeps its width). Alerts stay in front of it for
+// AlertHoldMs, per band the highest level reached, 2 m before 4 m before
+// 6 m: a 4 m alert does not hide a 2 m one.
 class EsNowStrip : public QWidget {
     Q_OBJECT
 public:
@@ -25,8 +29,8 @@ public:
     // Background colour of a level; white text on the darkest.
     static std::uint32_t levelColour(WatchLevel level);
 
-    // An alert the desktop did not show.
-    void showAlert(const QString &text);
+    // Holds an alert, unless its band holds a higher level still.
+    void showAlert(WatchLevel level, const QString &text);
     void updateText();
 
     QSize sizeHint() const override;
@@ -37,8 +41,16 @@ protected:
 
 private:
     EsWatch &watch_;
+    struct Held {
+        WatchLevel level = WatchLevel::None;
+        QString text;
+        QDeadlineTimer until;
+    };
+    // Drops the alerts whose time is over; the timer waits for the next.
+    void dropExpired();
+
     QString text_;
-    QString alert_;
+    std::array<Held, 3> held_; // by band: 6 m, 4 m, 2 m
     WatchLevel level_ = WatchLevel::None;
     QTimer *alertTimer_;
 };

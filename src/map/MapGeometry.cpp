@@ -106,6 +106,39 @@ void MapViewport::reset() {
     centreKm_ = QPointF();
 }
 
+void MapViewport::fit(const QRectF &km) {
+    const double aspect = pixelWidth_ / pixelHeight_;
+    widthKm_ = std::clamp(std::max(km.width(), km.height() * aspect), MinWidthKm, MaxWidthKm);
+    centreKm_ = km.center();
+}
+
+// --- Labels ---
+
+std::vector<QRectF> placeLabels(const std::vector<LabelRequest> &labels, double gap,
+                                const std::vector<QRectF> &obstacles) {
+    std::vector<QRectF> placed;
+    placed.reserve(labels.size());
+    const auto free = [&](const QRectF &rect) {
+        const auto hits = [&rect](const QRectF &other) { return other.intersects(rect); };
+        return std::none_of(placed.begin(), placed.end(), hits) &&
+               std::none_of(obstacles.begin(), obstacles.end(), hits);
+    };
+    for (const LabelRequest &label : labels) {
+        const double w = label.size.width();
+        const double h = label.size.height();
+        const QPointF a = label.anchor;
+        const QRectF candidates[] = {
+            {a.x() + gap, a.y() - h / 2, w, h},
+            {a.x() - gap - w, a.y() - h / 2, w, h},
+            {a.x() - w / 2, a.y() - gap - h, w, h},
+            {a.x() - w / 2, a.y() + gap, w, h},
+        };
+        const auto *chosen = std::find_if(std::begin(candidates), std::end(candidates), free);
+        placed.push_back(chosen != std::end(candidates) ? *chosen : QRectF());
+    }
+    return placed;
+}
+
 // --- Colour scale ---
 
 const MufClass &mufClassAt(int index) {

@@ -4,6 +4,7 @@
 
 #include <QPointF>
 #include <QRectF>
+#include <QSizeF>
 #include <QString>
 #include <QStringView>
 
@@ -59,6 +60,9 @@ public:
     // where it is; the width stays within its limits.
     void zoomAt(QPointF pixel, double factor);
     void reset();
+    // Shows all of `km` as large as the pixels allow, centred; the width
+    // stays within its limits.
+    void fit(const QRectF &km);
 
 private:
     double pixelWidth_ = 1;
@@ -102,6 +106,17 @@ struct GridLabel {
 };
 std::vector<GridLabel> maidenheadLabels(bool squares, double south, double north, double west,
                                         double east);
+
+// Places labels beside their anchors, in the order given (the most
+// important first): right of the anchor, else left, above or below, `gap`
+// pixels away, where the label overlaps neither a label placed before nor
+// an obstacle (the markers). A label without room gets an empty rect.
+struct LabelRequest {
+    QPointF anchor;
+    QSizeF size;
+};
+std::vector<QRectF> placeLabels(const std::vector<LabelRequest> &labels, double gap,
+                                const std::vector<QRectF> &obstacles);
 
 // Land outlines read from the coastline file (see tools/make_coastlines.py):
 // rings of points in degrees.

@@ -3,6 +3,12 @@
 #include <QAbstractButton>
 #include <QApplication>
 #include <QClipboard>
+#include <QDBusConnection>
+#include <QDBusConnectionInterface>
+#include <QDBusMessage>
+#include <QDBusPendingCallWatcher>
+#include <QDBusPendingReply>
+#include <QDBusReply>
 #include <QDesktopServices>
 #include <QEvent>
 #include <QFileDialog>
@@ -78,6 +84,9 @@ private:
     QPointer<QDialog> box_;
     std::optional<QPoint> topLeft_;
 };
+
+const QString NotificationService = QStringLiteral("org.freedesktop.Notifications");
+const QString NotificationPath = QStringLiteral("/org/freedesktop/Notifications");
 
 // Boxes show their texts as they are, line ends of any kind.
 QString plainLines(QString text) {
@@ -215,14 +224,89 @@ std::optional<QString> QtPlatform::inputBox(const QString &prompt, const QString
     return box.textValue();
 }
 
-QtPlatform::QtPlatform() = default;
+QtPlatform::QtPlatform() : calls_(std::make_unique<QObject>()) {}
+
 QtPlatform::~QtPlatform() = default;
 
 void QtPlatform::beep(int, int) {
     QApplication::beep();
 }
 
+void QtPlatform::setNotificationBus(const QDBusConnection &bus) {
+    bus_ = std::make_unique<QDBusConnection>(bus);
+    markup_ = Markup::Unknown;
+}
+
+bool QtPlatform::notificationServiceAvailable() {
+    if (!bus_) {
+        bus_ = std::make_unique<QDBusConnection>(QDBusConnection::sessionBus());
+    }
+    const QDBusConnectionInterface *daemon = bus_->isConnected() ? bus_->interface() : nullptr;
+    if (daemon == nullptr) {
+        return false;
+    }
+    // A service the bus starts on the first call counts too.
+    const QDBusReply<bool> running = daemon->isServiceRegistered(NotificationService);
+    if (running.isValid() && running.value()) {
+        return true;
+    }
+    const QDBusReply<QStringList> startable = daemon->activatableServiceNames();
+    return startable.isValid() && startable.value().contains(NotificationService);
+}
+
 bool QtPlatform::notify(const QString &title, const QString &text) {
+    if (!notificationServiceAvailable()) {
+        return trayMessage(title, text);
+    }
+    if (markup_ == Markup::Yes || markup_ == Markup::No) {
+        sendNotification(title, text);
+        return true;
+    }
+    waiting_.emplace_back(title, text);
+    if (markup_ == Markup::Unknown) {
+        markup_ = Markup::Asked;
+        const QDBusMessage ask =
+            QDBusMessage::createMethodCall(NotificationService, NotificationPath,
+                                           NotificationService, QStringLiteral("GetCapabilities"));
+        auto *watcher = new QDBusPendingCallWatcher(bus_->asyncCall(ask), calls_.get());
+        QObject::connect(
+            watcher, &QDBusPendingCallWatcher::finished, calls_.get(), [this, watcher] {
+                watcher->deleteLater();
+                const QDBusPendingReply<QStringList> reply = *watcher;
+                markup_ = reply.isValid() && reply.value().contains(QStringLiteral("body-markup"))
+                              ? Markup::Yes
+                              : Markup::No;
+                for (const auto &[waitingTitle, waitingText] : std::exchange(waiting_, {})) {
+                    sendNotification(waitingTitle, waitingText);
+                }
+            });
+    }
+    return true;
+}
+
+void QtPlatform::sendNotification(const QString &title, const QString &text) {
+    QDBusMessage call = QDBusMessage::createMethodCall(
+        NotificationService, NotificationPath, NotificationService, QStringLiteral("Notify"));
+    const QString entry = QGuiApplication::desktopFileName();
+    QVariantMap hints;
+    if (!entry.isEmpty()) {
+        hints.insert(QStringLiteral("desktop-entry"), entry);
+    }
+    // Spot texts are plain text, also where the service would read markup.
+    call << QGuiApplication::applicationDisplayName() << 0u << entry << title
+         << (markup_ == Markup::Yes ? text.toHtmlEscaped() : text) << QStringList() << hints
+         << 15000;
+    auto *watcher = new QDBusPendingCallWatcher(bus_->asyncCall(call), calls_.get());
+    QObject::connect(watcher, &QDBusPendingCallWatcher::finished, calls_.get(),
+                     [this, watcher, title, text] {
+                         watcher->deleteLater();
+                         if (watcher->isError()) {
+                             trayMessage(title, text);
+                         }
+                     });
+}
+
+bool QtPlatform::trayMessage(const QString &title, const QString &text) {
     if (!QSystemTrayIcon::isSystemTrayAvailable() || !QSystemTrayIcon::supportsMessages()) {
         return false;
     }

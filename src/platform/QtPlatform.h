@@ -2,9 +2,15 @@
 
 #include "Platform.h"
 
-#include <memory>
+#include <QStringList>
 
+#include <memory>
+#include <utility>
+#include <vector>
+
+class QDBusConnection;
 class QDialog;
+class QObject;
 class QSystemTrayIcon;
 
 namespace zkr {
@@ -22,9 +28,13 @@ public:
     // Qt offers only the desktop's own bell: frequency and length are the
     // desktop's, and the call does not block.
     void beep(int frequencyHz, int durationMs) override;
-    // Through a tray icon's message, which Linux desktops show with their
-    // notification service.
+    // Through the desktop's notification service (org.freedesktop.Notifications
+    // on the session bus), else as a tray icon's message; false when there
+    // is neither. The call does not wait for the service.
     bool notify(const QString &title, const QString &text) override;
+    // The bus of the notification service (the session bus unless a test
+    // brings its own).
+    void setNotificationBus(const QDBusConnection &bus);
     QString openFileDialog(const FileDialogRequest &request) override;
     bool openUrl(const QString &url) override;
     void processEvents() override;
@@ -43,7 +53,18 @@ public:
 private:
     // Moves the box where the last arming asked, once it is shown.
     void placeWhenShown(QDialog &box);
+    bool notificationServiceAvailable();
+    // Sends the notification; the tray shows it if the service fails.
+    void sendNotification(const QString &title, const QString &text);
+    bool trayMessage(const QString &title, const QString &text);
 
+    std::unique_ptr<QDBusConnection> bus_;
+    // Whether the service reads markup in a body, asked once; until then
+    // notifications wait.
+    enum class Markup { Unknown, Asked, Yes, No } markup_ = Markup::Unknown;
+    std::vector<std::pair<QString, QString>> waiting_;
+    // Owns the pending calls, so that no answer comes after the platform is gone.
+    std::unique_ptr<QObject> calls_;
     std::unique_ptr<QSystemTrayIcon> tray_;
     bool armed_ = false;
     std::optional<QPoint> armedTopLeft_;

@@ -19,11 +19,7 @@ EsWatchLink::EsWatchLink(ProgramState &state, Platform &platform, SpotPipeline &
       aging_(new QTimer(this)) {
     watch_.setWallClock([] { return QDateTime::currentDateTimeUtc(); });
     connect(&pipeline, &SpotPipeline::spotEvaluated, this, &EsWatchLink::addSpot);
-    connect(&alerts_, &WatchAlerts::alerted, this, [this](const QString &text, bool notified) {
-        if (!notified) {
-            strip_->showAlert(text);
-        }
-    });
+    connect(&alerts_, &WatchAlerts::alerted, strip_, &EsNowStrip::showAlert);
     connect(map_, &EsMapView::spotChosen, this,
             [this](const WatchSpot &spot) { selectInAllPane(spot); });
     connect(aging_, &QTimer::timeout, this, [this] {
@@ -57,7 +53,7 @@ void EsWatchLink::followOwnLocator() {
         {programFolder, ProgramFolders::installedDataFolder(programFolder)})));
 }
 
-void EsWatchLink::addSpot(const EvaluatedSpot &spot) {
+void EsWatchLink::prepare() {
     if (!settingsRead_) {
         readSettings();
     }
@@ -70,13 +66,29 @@ void EsWatchLink::addSpot(const EvaluatedSpot &spot) {
             watch_.setWallClock([] { return QDateTime::currentDateTimeUtc(); });
         }
     }
+}
+
+void EsWatchLink::addSpot(const EvaluatedSpot &spot) {
+    prepare();
     watch_.addSpot(spot);
+}
+
+void EsWatchLink::addRestored(const QList<EvaluatedSpot> &spots) {
+    prepare();
+    for (const EvaluatedSpot &spot : spots) {
+        watch_.restoreSpot(spot);
+    }
+}
+
+void EsWatchLink::addReport(const Reception &report) {
+    prepare();
+    watch_.addReport(report);
 }
 
 bool EsWatchLink::selectInAllPane(const WatchSpot &spot) {
     PaneView *all = window_.displayPane(0);
     const MemoryPane *source = all->source();
-    if (source == nullptr) {
+    if (source == nullptr || spot.isReport()) {
         return false;
     }
     // Newest first, like the pane: a spot repeated later is found there.

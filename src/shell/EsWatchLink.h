@@ -16,9 +16,10 @@ class Platform;
 class SpotPipeline;
 class frmZKR_MUF;
 
-// The Es watch in the window: takes every evaluated spot, alerts through
-// the platform, and feeds the "Es now" strip and the Map tab. Spots of a
-// replayed file run on their own times, live spots on the wall clock.
+// The Es watch in the window: takes every evaluated spot and reception
+// report, alerts through the platform, and feeds the "Es now" strip and the
+// Map tab. Spots of a replayed file run on their own times, live spots on
+// the wall clock.
 class EsWatchLink : public QObject {
     Q_OBJECT
 public:
@@ -40,10 +41,18 @@ public:
     // no longer holds it.
     bool selectInAllPane(const WatchSpot &spot);
 
-    // A spot for the watch: live from the pipeline, or restored.
+    // A spot for the watch, live from the pipeline.
     void addSpot(const EvaluatedSpot &spot);
+    // Spots restored from the history: their clouds come back on the map,
+    // their alerts do not.
+    void addRestored(const QList<EvaluatedSpot> &spots);
+    // A reception report (an FT8 decode, a PSK Reporter report).
+    void addReport(const Reception &report);
 
 private:
+    // Reads the settings once and puts the watch on the clock of the source.
+    void prepare();
+
     ProgramState &state_;
     Platform &platform_;
     frmZKR_MUF &window_;

@@ -80,12 +80,7 @@ frmZKR_MUF::frmZKR_MUF(ProgramState &state, Platform &platform, QWidget *parent)
     SSTab1_->addTab(&watchLink_->map(), QStringLiteral("Map"));
     connect(setup_, &frmZKR_MUF_Setup::settingsSaved, watchLink_, &EsWatchLink::readSettings);
     // Spots restored from the history put their clouds back on the map.
-    connect(&sources_->history(), &SpotHistory::restored, watchLink_,
-            [this](const QList<EvaluatedSpot> &spots) {
-                for (const EvaluatedSpot &spot : spots) {
-                    watchLink_->addSpot(spot);
-                }
-            });
+    connect(&sources_->history(), &SpotHistory::restored, watchLink_, &EsWatchLink::addRestored);
 }
 
 frmZKR_MUF::~frmZKR_MUF() = default;

@@ -30,7 +30,7 @@ void WatchAlerts::onLevel(WatchLevel level, const QString &text) {
     if (watch_.settings().sound) {
         platform_.beep(beepFrequency(level), BeepMs);
     }
-    Q_EMIT alerted(text, notified);
+    Q_EMIT alerted(level, text, notified);
 }
 
 } // namespace zkr

@@ -9,9 +9,9 @@ namespace zkr {
 class Platform;
 
 // Tells the user when the watch reaches a level: a desktop notification and
-// a short sound (when switched on), both through the platform. Without a
-// notification service the alert lives on in the strip and the sound only,
-// and nobody is told that the service is missing.
+// a short sound (when switched on) with it, both through the platform. The
+// strip holds every alert for a while, so without a notification service
+// nothing is lost, and nobody is told that the service is missing.
 class WatchAlerts : public QObject {
     Q_OBJECT
 public:
@@ -26,7 +26,7 @@ public:
 Q_SIGNALS:
     // After every alert; `notified` is false when the desktop could not show
     // it.
-    void alerted(const QString &text, bool notified);
+    void alerted(zkr::WatchLevel level, const QString &text, bool notified);
 
 private:
     void onLevel(WatchLevel level, const QString &text);

@@ -282,9 +282,7 @@ TEST_F(CliTest, WatchPrintsOneLinePerLevelReached) {
         QStringList bands;
         QStringList lines;
     } cases[] = {
-        {{},
-         {"1713Z rising via JN26 FOT=116MHz AZ=232 EL=9 -> IN93",
-          "1713Z confirmed via JN26 FOT=116MHz AZ=232 EL=9 -> IN93"}},
+        {{}, {"1713Z rising via JN26 FOT=116MHz AZ=232 EL=9 -> IN93"}}, // 2 m is not open
         {{"--watch-bands", "50"},
          {"1712Z 6 m open via JO96 FOT=62MHz AZ=34 EL=3 -> KP52",
           "1712Z 6 m confirmed via JO96 FOT=62MHz AZ=34 EL=3 -> KP52",

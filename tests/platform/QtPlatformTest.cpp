@@ -1,11 +1,15 @@
 #include "QtPlatform.h"
 #include "QtPrinters.h"
+#include "WaitFor.h"
 
 #include <QApplication>
+#include <QDBusConnection>
 #include <QDialog>
 #include <QLabel>
 #include <QMainWindow>
+#include <QProcess>
 #include <QScreen>
+#include <QTemporaryDir>
 #include <QTest>
 #include <QTimer>
 
@@ -93,5 +97,71 @@ TEST(QtPlatform, BoxesShowTheirTextsAsPlainText) {
     EXPECT_GT(labels, 0);
 }
 
+// The desktop's notification service as a test plays it, on a bus of its own.
+class FakeNotifications : public QObject {
+    Q_OBJECT
+    Q_CLASSINFO("D-Bus Interface", "org.freedesktop.Notifications")
+public:
+    QStringList capabilities;
+    QString received; // "app|icon|summary|body|timeout"
+
+public Q_SLOTS:
+    QStringList GetCapabilities() { return capabilities; }
+    uint Notify(const QString &app, uint, const QString &icon, const QString &summary,
+                const QString &body, const QStringList &, const QVariantMap &, int timeout) {
+        received = QStringList{app, icon, summary, body, QString::number(timeout)}.join('|');
+        return 1;
+    }
+};
+
+// A private bus (never the desktop's) with the fake service on it or not:
+// the notification reaches the service, its text escaped only where the
+// service reads markup; without a service (and no tray) notify says false.
+TEST(QtPlatform, NotificationsGoToTheDesktopServiceOverDBus) {
+    QTemporaryDir folder;
+    QFile config(folder.filePath("bus.conf"));
+    ASSERT_TRUE(config.open(QIODevice::WriteOnly));
+    config.write("<busconfig><listen>unix:dir=" + folder.path().toUtf8() +
+                 "</listen><policy context='default'><allow send_destination='*'/><allow "
+                 "eavesdrop='true'/><allow own='*'/></policy></busconfig>");
+    config.close();
+    QProcess daemon;
+    daemon.start("dbus-daemon", {"--config-file=" + config.fileName(), "--print-address"});
+    ASSERT_TRUE(daemon.waitForReadyRead(5000)) << "dbus-daemon (package dbus-daemon) is needed";
+    const QString address = QString::fromUtf8(daemon.readLine()).trimmed();
+    const QString text = "heard <PJ4/K1ABC> & EA7ABC on 50.313 -> IN99";
+    const std::tuple<bool, QStringList, QString> cases[] = {
+        {true,
+         {"body", "body-markup"},
+         "ZKR_MUF||Es watch|heard &lt;PJ4/K1ABC&gt; &amp; EA7ABC on 50.313 -&gt; IN99|15000"},
+        {true, {"body"}, "ZKR_MUF||Es watch|" + text + "|15000"},
+        {false, {}, ""},
+    };
+    for (const auto &[service, capabilities, received] : cases) {
+        const QString name = QString("case%1").arg(capabilities.size());
+        {
+            QDBusConnection serviceBus = QDBusConnection::connectToBus(address, name + "service");
+            FakeNotifications fake;
+            fake.capabilities = capabilities;
+            ASSERT_TRUE(serviceBus.registerService("org.freedesktop.Notifications") &&
+                        serviceBus.registerObject("/org/freedesktop/Notifications", &fake,
+                                                  QDBusConnection::ExportAllSlots));
+            if (!service) {
+                serviceBus.unregisterService("org.freedesktop.Notifications");
+            }
+            QtPlatform platform;
+            platform.setNotificationBus(QDBusConnection::connectToBus(address, name + "platform"));
+            EXPECT_EQ(platform.notify("Es watch", text), service);
+            test::waitFor([&fake] { return !fake.received.isEmpty(); }, service ? 5000 : 200);
+            EXPECT_EQ(fake.received, received);
+        }
+        QDBusConnection::disconnectFromBus(name + "service");
+        QDBusConnection::disconnectFromBus(name + "platform");
+    }
+    daemon.kill();
+}
+
 } // namespace
 } // namespace zkr
+
+#include "QtPlatformTest.moc"

@@ -65,6 +65,7 @@ TEST(HistoryWindowTest, RestartShowsWhatWasStoredAndLiveSpotsOnTop) {
             before[static_cast<std::size_t>(i)] = content(*first, i);
         }
         clouds = first->window.esWatch().watch().clouds().size();
+        EXPECT_GT(first->platform.log().filter("notify").size(), 0);
         first->window.sources().closeHistory(); // as the program does on its way out
     }
     ASSERT_FALSE(before[3].text.isEmpty()); // the Es pane got spots too
@@ -76,6 +77,7 @@ TEST(HistoryWindowTest, RestartShowsWhatWasStoredAndLiveSpotsOnTop) {
     }
     ASSERT_GT(clouds, 0u);
     EXPECT_EQ(second->window.esWatch().watch().clouds().size(), clouds); // the map's clouds too
+    EXPECT_EQ(second->platform.log().filter("notify"), QStringList());   // not their alerts
     second->window.sources().session().feed().receive(spotLines(40, 1));
     ASSERT_TRUE(waitFor([&] { return second->window.workingPane(0).lineCount() == 41; }));
     EXPECT_TRUE(second->pane(0).startsWith(historySpot(40, {}).line))

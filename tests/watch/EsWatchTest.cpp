@@ -14,8 +14,9 @@ using test::esSpot;
 using test::SpotSpec;
 using test::T0;
 
-// Levels held by one spot, and the level shown: own MUF and elevation as
-// rounded for printing, the band of the spot and the distance limit.
+// Levels held by one spot or report, and the level shown: own MUF and
+// elevation as rounded for printing, the band, the horizon; approximate
+// paths raise "rising" at most, a decode at the own station confirms alone.
 TEST(EsWatchLevels, OneSpotHoldsTheLevelsOfItsNumbers) {
     using enum WatchLevel;
     WatchSettings all;
@@ -24,20 +25,29 @@ TEST(EsWatchLevels, OneSpotHoldsTheLevelsOfItsNumbers) {
     // clang-format off
     const struct { const char *name; SpotSpec spot; WatchSettings settings; WatchLevel shown;
                    std::vector<WatchLevel> held; } cases[] = {
-        {"below rising", {.ownMuf = 99.4, .ownKm = 1600}, defaults, None, {Open50, Open70}},
-        {"rising rounds up", {.ownMuf = 99.5, .ownKm = 1600}, defaults, Rising, {Open50, Open70, Rising}},
-        {"2 m open", {.ownMuf = 143.5, .ownKm = 1600}, defaults, Open144, {Open50, Open70, Rising, Open144}},
+        {"below rising", {.ownMuf = 99.4, .ownKm = 1600}, defaults, None, {Open50, Confirmed50, Open70}},
+        {"rising rounds up", {.ownMuf = 99.5, .ownKm = 1600}, defaults, Rising, {Open50, Confirmed50, Open70, Rising}},
+        {"2 m open", {.ownMuf = 143.5, .ownKm = 1600}, defaults, Open144, {Open50, Confirmed50, Open70, Rising, Open144}},
         {"under the horizon", {.ownMuf = 150, .elevation = -0.6, .ownKm = 1600}, defaults, Rising, {Rising}},
         {"-0.5 rounds to 0", {.ownMuf = 150, .elevation = -0.5, .ownKm = 1600}, defaults, Open144,
+         {Open50, Confirmed50, Open70, Rising, Open144}},
+        {"2 m Es under the horizon", {.ownMuf = 0, .elevation = -3, .frequency = 144.3f}, defaults, None, {}},
+        {"2 m Es, own MUF 143", {.ownMuf = 143.4, .frequency = 144.3f}, defaults, Rising, {Open50, Open70, Rising}},
+        {"2 m Es, 2 m open", {.ownMuf = 144, .frequency = 144.3f}, defaults, Confirmed144,
+         {Open50, Open70, Rising, Open144, Confirmed144}},
+        {"no Es marker", {.ownMuf = 150, .frequency = 144.3f, .mode = "MS"}, defaults, Open144,
          {Open50, Open70, Rising, Open144}},
-        {"2 m Es within the limit", {.ownMuf = 0, .elevation = -3, .ownKm = 1499, .frequency = 144.3f},
-         defaults, Confirmed144, {Confirmed144}},
-        {"at the limit", {.ownMuf = 0, .elevation = -3, .ownKm = 1500, .frequency = 144.3f}, defaults, None, {}},
-        {"no Es marker", {.ownMuf = 0, .elevation = -3, .frequency = 144.3f, .mode = "MS"}, defaults, None, {}},
-        {"148.001 MHz", {.ownMuf = 0, .elevation = -3, .frequency = 148.001f}, defaults, None, {}},
+        {"148.001 MHz", {.ownMuf = 150, .frequency = 148.001f}, defaults, Open144, {Open50, Open70, Rising, Open144}},
         {"6 m confirmed", {.ownMuf = 60}, all, Confirmed50, {Open50, Confirmed50}},
-        {"4 m off by default", {.ownMuf = 75, .ownKm = 1600}, defaults, None, {Open50, Open70}},
-        {"4 m switched on", {.ownMuf = 75, .ownKm = 1600}, all, Open70, {Open50, Open70}},
+        {"6 m Es, own MUF 49", {.ownMuf = 49.4}, all, None, {}},
+        {"4 m off by default", {.ownMuf = 75, .ownKm = 1600}, defaults, None, {Open50, Confirmed50, Open70}},
+        {"4 m switched on", {.ownMuf = 75, .ownKm = 1600}, all, Open70, {Open50, Confirmed50, Open70}},
+        {"approximate 2 m Es", {.ownMuf = 150, .frequency = 144.3f, .kind = "approximate"}, all, Rising, {Rising}},
+        {"decoded here on 6 m", {.ownMuf = 30, .frequency = 50.313f, .kind = "own"}, all, Confirmed50, {Confirmed50}},
+        {"decoded here, 2,400 km", {.ownMuf = 60, .frequency = 50.313f, .kind = "own", .pathKm = 2400}, all, None, {}},
+        {"PSK Reporter on 2 m", {.ownMuf = 150, .frequency = 144.174f, .kind = "psk"}, defaults, Confirmed144,
+         {Open50, Open70, Rising, Open144, Confirmed144}},
+        {"PSK Reporter on 10 m", {.ownMuf = 150, .frequency = 28.074f, .kind = "psk"}, all, None, {}},
     };
     // clang-format on
     for (const auto &c : cases) {
@@ -45,15 +55,18 @@ TEST(EsWatchLevels, OneSpotHoldsTheLevelsOfItsNumbers) {
         EsWatch watch;
         watch.setSettings(c.settings);
         watch.setWallClock([] { return T0; });
-        watch.addSpot(esSpot(c.spot));
-        ASSERT_EQ(watch.clouds().size(), 1u);
+        test::feed(watch, c.spot);
         unsigned expected = 0;
         for (WatchLevel level : c.held) {
             expected |= 1u << static_cast<int>(level);
         }
-        EXPECT_EQ(watch.clouds().front()->square, "JN14");
-        EXPECT_EQ(watch.clouds().front()->level, c.shown);
-        EXPECT_EQ(watch.clouds().front()->levels, expected);
+        const bool kept = expected != 0 || QString(c.spot.kind) == "spot";
+        ASSERT_EQ(watch.clouds().size(), kept ? 1u : 0u);
+        if (kept) {
+            EXPECT_EQ(watch.clouds().front()->square, "JN14");
+            EXPECT_EQ(watch.clouds().front()->level, c.shown);
+            EXPECT_EQ(watch.clouds().front()->levels, expected);
+        }
     }
 }
 
@@ -125,6 +138,7 @@ TEST(EsWatchAlerts, LevelsAreAnnouncedOnceWithinTenMinutes) {
         double minute, ownMuf;
         const char *cloud;
         QStringList alerts;
+        bool restored = false; // from the history
     };
     const QString rising = "rising via JN14", open = "2 m open via JN14";
     const std::vector<Step> cases[] = {
@@ -136,6 +150,8 @@ TEST(EsWatchAlerts, LevelsAreAnnouncedOnceWithinTenMinutes) {
          {7, 110, "JN14AA", {}},
          {13, 90, "JN14AA", {}},
          {14, 110, "JN14AA", {rising}}},
+        {{0, 150, "JN14AA", {}, true}, {1, 150, "JN14AA", {}}, {2, 120, "JN24AA", {}, true}},
+        {{0, 120, "JN14AA", {}, true}, {1, 150, "JN14AA", {open}}},
     };
     for (const auto &steps : cases) {
         QDateTime now = T0;
@@ -150,10 +166,11 @@ TEST(EsWatchAlerts, LevelsAreAnnouncedOnceWithinTenMinutes) {
             now = T0.addSecs(static_cast<qint64>(step.minute * 60));
             watch.refresh();
             heard.clear();
-            watch.addSpot(esSpot({.cloud = step.cloud,
-                                  .ownMuf = step.ownMuf,
-                                  .ownKm = 1600,
-                                  .minutes = step.minute}));
+            const EvaluatedSpot spot = esSpot({.cloud = step.cloud,
+                                               .ownMuf = step.ownMuf,
+                                               .ownKm = 1600,
+                                               .minutes = step.minute});
+            step.restored ? watch.restoreSpot(spot) : watch.addSpot(spot);
             EXPECT_EQ(heard, step.alerts) << &steps - &cases[0] << " at " << step.minute;
         }
     }
@@ -177,7 +194,7 @@ TEST(EsWatchBest, HighestLevelThenHighestOwnMufAsTheStripSaysIt) {
         {{{.cloud = "JN14AA", .ownMuf = 60}, {.cloud = "JO20AA", .ownMuf = 80}}, "JO20"},
         {{{.cloud = "JN14AA", .ownMuf = 170, .ownKm = 1600},
           {.cloud = "JO20AA", .ownMuf = 20, .ownKm = 800, .frequency = 144.2f}},
-         "JO20"},
+         "JN14"},
         {{{.cloud = "JN14AA", .ownMuf = 170, .minutes = -20}, {.cloud = "JO20AA", .ownMuf = 20}},
          "JO20"},
     };
@@ -197,12 +214,16 @@ TEST(EsWatchBest, HighestLevelThenHighestOwnMufAsTheStripSaysIt) {
         {{.ownMuf = 69.5, .elevation = 4.4}, 239, "JN14  FOT 70 MHz  AZ 226 EL 4  -> IN83  opens 6 m 4 m  3 min ago"},
         {{.ownMuf = 120, .elevation = 0}, 60, "JN14  rising  FOT 120 MHz  AZ 226 EL 0  -> IN83  opens 6 m 4 m  1 min ago"},
         {{.ownMuf = 150, .elevation = -1}, 0, "JN14  rising  FOT 150 MHz  AZ 226 EL -1  -> IN83  just now"},
+        {{.ownMuf = 151.6, .elevation = 4.4, .kind = "approximate"}, 0,
+         "JN14  rising  FOT ~152 MHz  AZ 226 EL 4  -> IN83  just now"},
+        {{.ownMuf = 60, .elevation = 4.4, .frequency = 50.3134f, .kind = "own"}, 0,
+         "JN14  heard EA7ABC IM76 on 50.313 via JN14  FOT 60 MHz  AZ 226 EL 4  -> IN83  opens 6 m  just now"},
     };
     // clang-format on
     for (const auto &[spot, later, text] : strips) {
         EsWatch watch;
         watch.setWallClock([] { return T0; });
-        watch.addSpot(esSpot(spot));
+        test::feed(watch, spot);
         EXPECT_EQ(EsWatch::describe(watch.clouds().front(), T0.addSecs(later)), text);
     }
     EXPECT_EQ(EsWatch::describe(nullptr, T0), "no Es clouds in range");

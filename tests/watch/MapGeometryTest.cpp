@@ -68,6 +68,22 @@ TEST(MapViewport, ZoomKeepsThePointUnderTheMouseAndPanFollowsTheDrag) {
     EXPECT_EQ(panned.toPixel(QPointF(0, 0)), QPointF(500, 250));
 }
 
+// Labels go right of their marker, else left, above, below, never over an
+// earlier label or an obstacle; one without room is left out.
+TEST(MapLabels, PlacedApartFromEachOtherAndTheMarkers) {
+    const QRectF right(5, -5, 40, 10), left(-45, -5, 40, 10), above(-20, -15, 40, 10),
+        below(-20, 5, 40, 10);
+    const std::tuple<int, std::vector<QRectF>, std::vector<QRectF>> cases[] = {
+        {5, {}, {right, left, above, below, QRectF()}},
+        {2, {{44, -1, 4, 2}}, {left, above}},
+        {1, {{-60, -60, 120, 120}}, {QRectF()}},
+    };
+    for (const auto &[count, obstacles, placed] : cases) {
+        const std::vector<LabelRequest> labels(count, {QPointF(0, 0), QSizeF(40, 10)});
+        EXPECT_EQ(placeLabels(labels, 5, obstacles), placed) << count;
+    }
+}
+
 // The legend's classes, with the MUF rounded as printed.
 TEST(MufColourScale, ClassesFollowTheLegend) {
     for (const auto &[muf, index] : {std::pair{0.0, 0},

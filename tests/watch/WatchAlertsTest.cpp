@@ -47,7 +47,7 @@ TEST(WatchAlerts, NotifyAndSoundThroughThePlatform) {
         WatchAlerts alerts(watch, platform);
         QStringList strip;
         QObject::connect(&alerts, &WatchAlerts::alerted,
-                         [&strip, &c](const QString &text, bool notified) {
+                         [&strip, &c](WatchLevel, const QString &text, bool notified) {
                              EXPECT_EQ(notified, c.notifications);
                              strip.append("notify \"ZKR_MUF Es watch\" \"" + text + "\"");
                          });

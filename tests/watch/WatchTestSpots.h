@@ -1,6 +1,6 @@
 #pragma once
 
-#include "EvaluatedSpot.h"
+#include "EsWatch.h"
 
 #include <QDateTime>
 
@@ -20,6 +20,10 @@ struct SpotSpec {
     double minutes = 0;
     const char *mode = "ES";
     double muf = 90;
+    // "spot", "approximate" (a spot with an approximate path only), or a report
+    // over `pathKm`: "own" (decoded at the own station), "psk" (of others).
+    const char *kind = "spot";
+    double pathKm = 1500;
 };
 
 inline EvaluatedSpot esSpot(const SpotSpec &s) {
@@ -39,7 +43,36 @@ inline EvaluatedSpot esSpot(const SpotSpec &s) {
     es.far = "IN83KL";
     spot.es = es;
     spot.runs = {{QString("DL1AA: %1 EA1BB").arg(s.frequency), 0}, {"\r\n", 0}};
+    if (QString(s.kind) == "approximate") {
+        spot.approximate =
+            ApproximatePath{*spot.es, "JO62QM", "IM76", Located::Comment, Located::Country, 300};
+        spot.es.reset();
+    }
     return spot;
+}
+
+inline Reception report(const SpotSpec &s) {
+    Reception report;
+    report.source = QString(s.kind) == "own" ? ReportSource::Wsjtx : ReportSource::PskReporter;
+    report.atOwnStation = QString(s.kind) == "own";
+    report.time = T0.addSecs(static_cast<qint64>(s.minutes * 60));
+    report.frequencyMhz = s.frequency;
+    report.mode = "FT8";
+    report.snr = -12;
+    report.tx = {"EA7ABC", "IM76"};
+    report.rx = {"DL1AA", "JO62"};
+    report.es = esSpot(s).es;
+    report.es->pathKm = s.pathKm;
+    return report;
+}
+
+// Gives the watch the spot or report of `s`.
+inline void feed(EsWatch &watch, const SpotSpec &s) {
+    if (QString(s.kind) == "own" || QString(s.kind) == "psk") {
+        watch.addReport(report(s));
+    } else {
+        watch.addSpot(esSpot(s));
+    }
 }
 
 } // namespace zkr::test

@@ -193,6 +193,9 @@ void PskReporterClient::openConnection(const QHostAddress &address) {
 }
 
 void PskReporterClient::onReadable() {
+    if (!handle_) {
+        return;
+    }
     // One packet per call; more while the socket holds more and the turn's
     // budget lasts. The notifier fires again for the rest.
     QElapsedTimer clock;
@@ -205,6 +208,9 @@ void PskReporterClient::onReadable() {
 }
 
 void PskReporterClient::onWritable() {
+    if (!handle_) {
+        return;
+    }
     afterLibraryCall(mosquitto_loop_write(handle_.get(), 1));
 }
 
@@ -231,7 +237,6 @@ bool PskReporterClient::afterLibraryCall(int rc) {
             failed(libraryText(mosquitto_connack_string(*events.connack)));
             return false;
         }
-        connectTimer_->stop();
         setState(State::Connected);
         std::vector<QByteArray> topics;
         std::vector<char *> pointers;
@@ -251,6 +256,7 @@ bool PskReporterClient::afterLibraryCall(int rc) {
     if (events.subscribed) {
         // Only a broker that lets us listen counts as a success: one that
         // accepts and hangs up at once is still retried ever more slowly.
+        connectTimer_->stop();
         attempt_ = 0;
         setState(State::Subscribed);
     }

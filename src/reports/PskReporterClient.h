@@ -39,7 +39,7 @@ class PskReporterClient : public QObject {
     Q_OBJECT
 public:
     struct Options {
-        int connectTimeoutMs = 15000; // from the lookup to the broker's answer
+        int connectTimeoutMs = 15000; // from the lookup to the accepted subscription
         int keepAliveS = 60;
         int firstRetryMs = 3000; // wait before the first retry (jitter added, at most 5 s)
         int maxRetryMs = 300000; // longest wait between retries

@@ -14,6 +14,8 @@
 #include <QElapsedTimer>
 #include <QTimer>
 
+#include <mosquitto.h>
+
 #include <atomic>
 #include <chrono>
 #include <cstdio>
@@ -39,10 +41,35 @@ QByteArray payload(long long n) {
         .toUtf8();
 }
 
+// Publishes at QoS 0 from libmosquitto's own thread, as fast as asked.
+class Publisher {
+public:
+    explicit Publisher(quint16 port) : handle_(mosquitto_new(nullptr, true, nullptr)) {
+        connected_ = mosquitto_connect(handle_, "127.0.0.1", port, 60) == MOSQ_ERR_SUCCESS &&
+                     mosquitto_loop_start(handle_) == MOSQ_ERR_SUCCESS;
+    }
+    ~Publisher() {
+        mosquitto_disconnect(handle_);
+        mosquitto_loop_stop(handle_, false);
+        mosquitto_destroy(handle_);
+    }
+    bool isConnected() const { return connected_; }
+    bool publish(const QByteArray &topic, const QByteArray &payload) {
+        return mosquitto_publish(handle_, nullptr, topic.constData(),
+                                 static_cast<int>(payload.size()), payload.constData(), 0,
+                                 false) == MOSQ_ERR_SUCCESS;
+    }
+
+private:
+    mosquitto *handle_;
+    bool connected_ = false;
+};
+
 } // namespace
 
 int main(int argc, char **argv) {
     QCoreApplication app(argc, argv);
+    mosquitto_lib_init();
     const int seconds = argc > 1 ? std::max(1, std::atoi(argv[1])) : 60;
     const int rate = argc > 2 ? std::max(100, std::atoi(argv[2])) : 2000;
     test::LocalBroker broker(argc > 3 ? QByteArray(argv[3]) + '\n' : QByteArray());
@@ -59,7 +86,7 @@ int main(int argc, char **argv) {
     while (client.state() != PskReporterClient::State::Subscribed && clock.elapsed() < 10000) {
         QCoreApplication::processEvents(QEventLoop::WaitForMoreEvents, 50);
     }
-    test::Publisher publisher(broker.port());
+    Publisher publisher(broker.port());
     if (client.state() != PskReporterClient::State::Subscribed || !publisher.isConnected()) {
         std::fprintf(stderr, "no subscription or no publisher\n");
         return 1;

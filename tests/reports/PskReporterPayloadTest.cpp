@@ -42,17 +42,10 @@ TEST(PskReporterPayload, ReadsReportsAndSaysWhyOthersAreDropped) {
         {"own call as sender", payload(R"({"sc":"DL9OWN"})"), D::None},
         {"no sender locator", payload(R"({"sl":null})"), D::NoLocator},
         {"empty receiver locator", payload(R"({"rl":""})"), D::NoLocator},
-        {"3-char locator", payload(R"({"rl":"KO0"})"), D::NoLocator},
-        {"no field letters", payload(R"({"sl":"ZZ00"})"), D::NoLocator},
-        {"locator a number", payload(R"({"rl":52})"), D::NoLocator},
         {"no frequency", payload(R"({"f":null})"), D::BadPayload},
         {"frequency text", payload(R"({"f":"50313500"})"), D::BadPayload},
-        {"no time", payload(R"({"t":null})"), D::BadPayload},
         {"no receiver call", payload(R"({"rc":null})"), D::BadPayload},
-        {"call with a blank", payload(R"({"sc":"DL1 AAA"})"), D::BadPayload},
         {"cut off", payload().chopped(5), D::BadPayload},
-        {"array", "[1,2]", D::BadPayload},
-        {"empty", "", D::BadPayload},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.name);
@@ -67,13 +60,10 @@ TEST(PskReporterPayload, ReadsReportsAndSaysWhyOthersAreDropped) {
         EXPECT_EQ(r.time, QDateTime(QDate(2024, 6, 10), QTime(16, 0), Qt::UTC));
         EXPECT_EQ(r.received, Now);
         EXPECT_DOUBLE_EQ(r.frequencyMhz, 50.3135);
-        EXPECT_EQ(r.mode, "FT8");
+        EXPECT_EQ(QStringList({r.mode, r.tx.locator, r.rx.locator}),
+                  QStringList({"FT8", "JO40AB", "KO02"}));
         EXPECT_EQ(r.snr, -7);
-        EXPECT_EQ(r.tx.locator, "JO40AB");
-        EXPECT_EQ(r.rx.locator, "KO02");
         EXPECT_EQ(r.atOwnStation, c.atOwnStation);
-        ASSERT_TRUE(r.es.has_value());
-        EXPECT_EQ(r.es->cloud.left(2), "JO"); // between Frankfurt and Warsaw
     }
 }
 
@@ -82,18 +72,14 @@ TEST(PskReporterIntake, KeepsOnlyCloudsNearTheOwnStationUnlessAllAreWanted) {
         const char *name, *patch;
         bool allReports, kept;
     } cases[] = {
-        // 2,500 km London - Moscow, but the cloud is over Poland.
-        {"long path, near cloud", R"({"sl":"IO91","rl":"KO85"})", false, true},
-        // 100 km in Japan: a short path, the cloud 8,000 km away.
-        {"short path, far cloud", R"({"sl":"PM95","rl":"PM96"})", false, false},
+        {"2,500 km path, cloud over Poland", R"({"sl":"IO91","rl":"KO85"})", false, true},
+        {"100 km path, cloud in Japan", R"({"sl":"PM95","rl":"PM96"})", false, false},
         {"far cloud, all reports", R"({"sl":"PM95","rl":"PM96"})", true, true},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(c.name);
         PskReporterIntake intake("DL9OWN", "JO62QM", c.allReports);
         EXPECT_EQ(intake.take(payload(c.patch), Now).has_value(), c.kept);
-        EXPECT_EQ(intake.counters().kept, c.kept ? 1u : 0u);
-        EXPECT_EQ(intake.counters().filtered, c.kept ? 0u : 1u);
     }
     PskReporterIntake intake("DL9OWN", "JO62QM", false);
     for (const char *patch : {"{}", R"({"sl":"PM95","rl":"PM96"})", R"({"rl":null})", "{}"}) {
@@ -113,10 +99,9 @@ TEST(PskReporterTopics, OneFilterTopicPerBandOrTheWholeTree) {
 TEST(PskReporterSettings, DefaultsForMissingOrUnusableValuesAndARoundTrip) {
     QTemporaryDir folder;
     const QString ini = folder.filePath("zkr_muf.ini");
-    EXPECT_EQ(PskReporterSettings::read(ini), PskReporterSettings());
     QFile file(ini);
-    ASSERT_TRUE(file.open(QIODevice::WriteOnly));
-    file.write("[PSKReporter]\r\nEnabled=OFF\r\nPort=70000\r\nBands=,\r\nHost=\r\n");
+    ASSERT_TRUE(file.open(QIODevice::WriteOnly) &&
+                file.write("[PSKReporter]\r\nEnabled=OFF\r\nPort=70000\r\nBands=,\r\nHost=\r\n"));
     file.close();
     PskReporterSettings expected;
     expected.enabled = false;

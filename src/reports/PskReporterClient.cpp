@@ -238,6 +238,9 @@ bool PskReporterClient::afterLibraryCall(int rc) {
             return false;
         }
         setState(State::Connected);
+        if (!alive || generation != generation_) {
+            return false;
+        }
         std::vector<QByteArray> topics;
         std::vector<char *> pointers;
         for (const QString &topic : std::as_const(topics_)) {

@@ -7,7 +7,8 @@ cd "$(dirname "$0")"
 packages=(build-essential cmake ninja-build pkg-config qt6-base-dev libgl-dev
           libgtest-dev libgmock-dev libbenchmark-dev libhamlib-dev libgeographiclib-dev
           fontconfig fonts-dejavu-core xvfb xauth clang libclang-rt-14-dev
-          desktop-file-utils appstream dpkg-dev libqt6sql6-sqlite dbus-daemon)
+          desktop-file-utils appstream dpkg-dev libqt6sql6-sqlite dbus-daemon
+          libmosquitto-dev mosquitto)
 
 missing=()
 for package in "${packages[@]}"; do
@@ -38,7 +39,7 @@ test)
     cmake -S . -B build-fuzz -G Ninja -DCMAKE_CXX_COMPILER=clang++ -DZKR_BUILD_FUZZ=ON \
         -DZKR_BUILD_TESTS=OFF -DZKR_BUILD_BENCH=OFF
     cmake --build build-fuzz -j "$(nproc)" --target fuzz_receive fuzz_analysis fuzz_webpage fuzz_ini \
-        fuzz_clusterlist
+        fuzz_clusterlist fuzz_pskreporter
     fuzz/run 5 build-fuzz
     cmake -S . -B build-asan -G Ninja -DZKR_SANITIZE=ON -DZKR_BUILD_BENCH=OFF -DZKR_WARNINGS_AS_ERRORS=ON
     cmake --build build-asan -j "$(nproc)"

@@ -96,11 +96,15 @@ void WsjtxListener::listen() {
         return;
     }
     // WSJT-X sends to the group on the interfaces chosen in its settings
-    // (the loopback one unless told otherwise): join on every one that can.
+    // (the loopback one unless told otherwise): join on every one that is
+    // up. The loopback interface often does not say it can multicast, yet
+    // it does.
     bool joined = false;
     for (const QNetworkInterface &net : QNetworkInterface::allInterfaces()) {
-        const auto needed = QNetworkInterface::IsUp | QNetworkInterface::CanMulticast;
-        if ((net.flags() & needed) == needed && socket_->joinMulticastGroup(group, net)) {
+        const auto flags = net.flags();
+        if (flags.testFlag(QNetworkInterface::IsUp) &&
+            (flags & (QNetworkInterface::CanMulticast | QNetworkInterface::IsLoopBack)) &&
+            socket_->joinMulticastGroup(group, net)) {
             joined = true;
         }
     }

@@ -39,7 +39,7 @@ test)
     cmake -S . -B build-fuzz -G Ninja -DCMAKE_CXX_COMPILER=clang++ -DZKR_BUILD_FUZZ=ON \
         -DZKR_BUILD_TESTS=OFF -DZKR_BUILD_BENCH=OFF
     cmake --build build-fuzz -j "$(nproc)" --target fuzz_receive fuzz_analysis fuzz_webpage fuzz_ini \
-        fuzz_clusterlist fuzz_pskreporter
+        fuzz_clusterlist fuzz_wsjtx fuzz_alltxt fuzz_pskreporter
     fuzz/run 5 build-fuzz
     cmake -S . -B build-asan -G Ninja -DZKR_SANITIZE=ON -DZKR_BUILD_BENCH=OFF -DZKR_WARNINGS_AS_ERRORS=ON
     cmake --build build-asan -j "$(nproc)"

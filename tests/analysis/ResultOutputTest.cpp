@@ -1,3 +1,5 @@
+#include "Reception.h"
+#include "ReportOutput.h"
 #include "ResultOutput.h"
 #include "TestSpots.h"
 
@@ -72,6 +74,44 @@ TEST(ResultFields, TextAndColourAtEveryBoundary) {
         }
         expected.append({"\r\n", K});
         EXPECT_EQ(spot.runs, expected) << c.runs;
+    }
+}
+
+// A report's line takes the spot's fields and colours; a path that is no
+// single Es hop is doubtful, a report without a path is its line alone.
+TEST(ReportRuns, LineThenTheSpotFields) {
+    const EsPath hop{"JN18AA", 150, 0, 145, 40, 3, "IN83AA", 1850, 700};
+    // clang-format off
+    const struct { std::optional<EsPath> es; const char *runs; } cases[] = {
+        {hop, "m    MUF=150MHz@JN18  FOT=145MHz -> IN83 AZ= 40 EL=  3"},
+        {EsPath{"JN18AA", 60, 0, 0, 40, -2, "IN83AA", 300, 700},
+         "gEs? MUF= 60MHz@JN18             -> IN83 AZ= 40 EL= -2"},
+        {std::nullopt, ""},
+    };
+    // clang-format on
+    for (const auto &c : cases) {
+        Reception report;
+        report.source = ReportSource::PskReporter;
+        report.time = QDateTime(QDate(2024, 6, 1), QTime(18, 30, 15), Qt::UTC);
+        report.frequencyMhz = 50.31418;
+        report.mode = "FT8";
+        report.snr = -12;
+        report.tx = {"EA7ABC", "IM76"};
+        report.rx = {"DL1ABC", "JO62QM"};
+        report.es = c.es;
+        const QList<TextRun> runs = Report_Runs(report);
+        ASSERT_GE(runs.size(), 2) << c.runs;
+        const QString km = c.es ? QString::number(qRound(c.es->pathKm)).rightJustified(6) + " km"
+                                : QString();
+        EXPECT_EQ(runs.front(), (TextRun{"1830Z   50.3142 FT8  -12 EA7ABC     IM76   > DL1ABC     "
+                                         "JO62QM" + km + " pskreporter", K}));
+        Runs fields;
+        for (const QString &run : QString(c.runs).split('|', Qt::SkipEmptyParts)) {
+            fields.append({run.mid(1), run[0] == 'm' ? M : run[0] == 'g' ? G : K});
+        }
+        fields.append({"\r\n", K});
+        EXPECT_EQ(runs.mid(1), fields) << c.runs;
+        EXPECT_EQ(Is_ReportInRange(report), c.es.has_value()) << c.runs;
     }
 }
 

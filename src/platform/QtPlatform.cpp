@@ -14,7 +14,6 @@
 #include <QPointer>
 #include <QPushButton>
 #include <QScreen>
-#include <QStandardPaths>
 #include <QSystemTrayIcon>
 #include <QUrl>
 
@@ -263,6 +262,7 @@ QString QtPlatform::openFileDialog(const FileDialogRequest &request) {
     }
     dialog.setFileMode(request.mustExist ? QFileDialog::ExistingFile : QFileDialog::AnyFile);
     dialog.setAcceptMode(request.save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
+    dialog.setDefaultSuffix(request.defaultSuffix);
     if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) {
         return QString();
     }
@@ -294,9 +294,7 @@ QString QtPlatform::applicationFolder() {
 }
 
 QString QtPlatform::userFolder(UserFolder kind) {
-    return QStandardPaths::writableLocation(kind == UserFolder::Config
-                                                ? QStandardPaths::AppConfigLocation
-                                                : QStandardPaths::AppDataLocation);
+    return standardUserFolder(kind);
 }
 
 QString QtPlatform::commandLine() {

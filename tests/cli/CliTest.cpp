@@ -54,8 +54,10 @@ struct Result {
     QString err;
 };
 
-Result runCli(const QStringList &arguments, const QByteArray &input = {}) {
+Result runCli(const QStringList &arguments, const QByteArray &input = {},
+              const QProcessEnvironment &environment = QProcessEnvironment::systemEnvironment()) {
     QProcess tool;
+    tool.setProcessEnvironment(environment);
     tool.start(QStringLiteral(ZKR_MUF_CLI), arguments);
     EXPECT_TRUE(tool.waitForStarted());
     tool.write(input);
@@ -298,6 +300,14 @@ TEST_F(CliTest, WatchPrintsOneLinePerLevelReached) {
     }
 }
 
+// A square alone is the own station at its centre, as a spot's square is.
+TEST_F(CliTest, OwnSquareAloneIsItsCentre) {
+    const QString session = write(Session);
+    const Result square = runCli({"--locator", "jo62", "--es-only", session});
+    EXPECT_TRUE(square.out.contains("FOT= 51MHz -> KP20 AZ= 36")) << square.err.toStdString();
+    EXPECT_EQ(square.out, runCli({"--locator", "JO62LL", "--es-only", session}).out);
+}
+
 TEST_F(CliTest, HelpOrStatusTwoForWrongArgumentsAndUnreadableFiles) {
     const Result help = runCli({"--help"});
     EXPECT_EQ(help.exitCode, 0);
@@ -312,7 +322,6 @@ TEST_F(CliTest, HelpOrStatusTwoForWrongArgumentsAndUnreadableFiles) {
         {{session}, "the own locator is required"},
         {{"--locator"}, "Missing value after '--locator'"},
         {{"--locator", "JO62QZ", session}, "\"JO62QZ\" is not a Maidenhead locator"},
-        {{"--locator", "JO62", session}, "needs all 6 characters"},
         {{"--locator", "JO62QM", "--call", " ", session}, "call sign given with --call is empty"},
         {{"--locator", "JO62QM", session, session}, "only one FILE"},
         {{"--locator", "JO62QM", "--json", "--jsonl", session}, "exclude each other"},
@@ -379,4 +388,20 @@ TEST_F(CliTest, ExportCsvWritesTheRangeOfAHistoryFile) {
         }
     }
     EXPECT_FALSE(QFile::exists(folder.filePath("none")));
+}
+
+// Without --db the tool reads the history where the program writes it.
+TEST_F(CliTest, ExportWithoutDbReadsTheProgramsHistory) {
+    QProcessEnvironment environment = QProcessEnvironment::systemEnvironment();
+    environment.insert("XDG_DATA_HOME", folder.filePath("data"));
+    const QDateTime received(QDate(2024, 6, 1), QTime(14, 0), Qt::UTC);
+    {
+        zkr::HistoryDatabase history;
+        ASSERT_TRUE(history.open(folder.filePath("data/zkr_muf/history.sqlite"),
+                                 zkr::HistoryDatabase::Access::Writer));
+        ASSERT_TRUE(history.insert(zkr::test::historySpot(3, received), "GB7DJK"));
+    }
+    const Result r = runCli({"--export-csv", "2024-06-01", "2024-06-02"}, {}, environment);
+    EXPECT_EQ(r.exitCode, 0) << r.err.toStdString();
+    EXPECT_TRUE(r.out.contains(zkr::test::historySpot(3, {}).dxCall)) << r.out.toStdString();
 }

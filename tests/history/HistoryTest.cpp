@@ -1,3 +1,4 @@
+#include "HistoryCsv.h"
 #include "HistoryDatabase.h"
 #include "HistorySettings.h"
 #include "HistorySpots.h"
@@ -205,6 +206,49 @@ TEST_F(HistoryTest, StoreCommitsAndRestoresOldestFirst) {
             ASSERT_EQ(restored[i], written[static_cast<std::size_t>(skipped + i)]) << i;
         }
     }
+}
+
+// The cells a spreadsheet reads: the spotter's call, the comment without the
+// time digits its column reaches into (a web line has none), locators as
+// found, no FOT below the horizon, and a byte-order mark before the header.
+TEST_F(HistoryTest, CsvCellsAreWhatASpreadsheetShouldShow) {
+    const struct {
+        const char *line;
+        bool web;
+        const char *spotter, *comment, *locator2, *fot, *mode;
+    } cases[] = {
+        {"DX de SP9HWY:    50150.0  OH1XYZ       JO62QM<ES>KP20                 1712Z", false,
+         "SP9HWY", "JO62QM<ES>KP20", "KP20", "50.15", "ES"},
+        {"DX de G4ABC:     14074.0  EA7KW        tnx J\u00fcrgen 73                  1710Z", false,
+         "G4ABC", "tnx J\u00fcrgen 73", "", "", ""},
+        {"DX de W1ABC:     50110.0  K2XYZ        FN31 ES FN42                   1712Z", false,
+         "W1ABC", "FN31 ES FN42", "FN42", "", "ES"}, // the cloud lies below the own horizon
+        {"SP9HWY         50150.0 OH1XYZ       tnx 599 17                         1712Z", true,
+         "SP9HWY", "tnx 599 17", "", "", ""},
+    };
+    for (const auto &c : cases) {
+        const SpotEvaluator evaluator(
+            {.ownLocator = "JO62QM", .columns = c.web ? WebColumns : ClusterColumns});
+        const QString line = QString::fromUtf8(c.line);
+        const EvaluatedSpot spot =
+            c.web ? evaluator.evaluateWebLine(line) : evaluator.evaluateClusterLine(line);
+        bool wellFormed = false;
+        const auto rows = test::parseCsv(historyCsvHeader() + historyCsvRow(spot, ""), &wellFormed);
+        ASSERT_TRUE(wellFormed && rows.size() == 2) << c.line;
+        const auto cell = [&rows](const char *name) {
+            return rows[1].value(rows[0].indexOf(name));
+        };
+        EXPECT_EQ(
+            QStringList({cell("spotter"), cell("comment"), cell("locator2"), cell("fot_mhz"),
+                         cell("mode")}),
+            QStringList({c.spotter, QString::fromUtf8(c.comment), c.locator2, c.fot, c.mode}));
+    }
+    HistoryDatabase db;
+    ASSERT_TRUE(db.open(path(), HistoryDatabase::Access::Writer));
+    QBuffer out;
+    QString error;
+    ASSERT_TRUE(out.open(QIODevice::WriteOnly) && exportHistoryCsv(db, Noon, Noon, out, error));
+    EXPECT_TRUE(out.data().startsWith("\xEF\xBB\xBFreceived_utc,")) << out.data().constData();
 }
 
 TEST(HistorySettingsTest, SectionOfTheSettingsFile) {

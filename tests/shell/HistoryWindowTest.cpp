@@ -116,6 +116,7 @@ TEST(HistoryWindowTest, PaneMenuExportsTheHistoryAsCsv) {
               "CSV files (*.csv)");
     ASSERT_TRUE(waitFor([&] { return rig->label("Label_Telnet_Status") == "Exported 25 spots"; }))
         << rig->label("Label_Telnet_Status").toStdString();
+    EXPECT_TRUE(readBytes(csv).startsWith("\xEF\xBB\xBFreceived_utc,")); // a UTF-8 mark
     bool wellFormed = false;
     const std::vector<QStringList> rows = parseCsv(QString::fromUtf8(readBytes(csv)), &wellFormed);
     EXPECT_TRUE(wellFormed);

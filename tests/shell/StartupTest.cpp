@@ -19,10 +19,10 @@ const QString CallPrompt =
     R"(inputbox "                                   ZKR_MUF" "What is YOUR call sign ?" "" -> )";
 const QString LocatorPrompt = R"(inputbox "" "What is your Locator ? " "" -> )";
 
-QByteArray firstRunFile(const char *call, const char *locator) {
+QByteArray firstRunFile(const char *call) {
     return QByteArray("[Version]\r\nVersion=1.30\r\n\r\n[Call]\r\nOwnCall=") + call +
-           "\r\n\r\n[Locator]\r\nOwnLocator=" + locator +
-           "\r\n\r\n[Telnet]\r\nTelnet_Call=" + site::DefaultClusterCall.toLatin1() +
+           "\r\n\r\n[Locator]\r\nOwnLocator=\r\n\r\n[Telnet]\r\nTelnet_Call=" +
+           site::DefaultClusterCall.toLatin1() +
            "\r\nTelnet_Host=" + site::DefaultClusterHost.toLatin1() +
            "\r\nTelnet_Port=" + site::DefaultClusterPort.toLatin1() +
            "\r\n\r\n[AutoUpdateCheck]\r\nUpdateCheck=off\r\n\r\n";
@@ -186,8 +186,7 @@ TEST(StartupSettings, FirstRunInAFolderNobodyMayWriteAsksOnceAndGoesOn) {
     rig.start();
     EXPECT_EQ(rig.state.WebCluster_Url + rig.state.UpdatePage_Url,
               "http://127.0.0.1:8/spotshttp://127.0.0.1:8/dl");
-    // A rejected locator is followed by two beeps and the prompt again,
-    // saying what is wrong, with the entry to correct.
+    // A rejected locator: two beeps, the prompt again with what is wrong.
     EXPECT_EQ(rig.platform.log(),
               QStringList({Beep, Arm, CallPrompt + R"("dl1abc")", Beep, Arm,
                            LocatorPrompt + R"("JO6")", Beep, Beep, Arm,
@@ -235,11 +234,10 @@ TEST(StartupSettings, OnlyAnOlderFileIsReplaced) {
             EXPECT_TRUE(rig.calls.contains("CALL DL1ABC / LOC JO62")); // used upper-cased
             continue;
         }
-        // The prompts offer empty defaults, not the old call or anyone's
-        // square; Cancel leaves the locator unset, and the window says so.
+        // Empty prompts; Cancel leaves the locator unset, and the window says so.
         EXPECT_EQ(rig.platform.log(), QStringList({Beep, Arm, CallPrompt + R"("dk5xx")", Beep, Arm,
                                                    LocatorPrompt + "cancel"}));
-        EXPECT_EQ(readBytes(rig.ini), firstRunFile("DK5XX", ""));
+        EXPECT_EQ(readBytes(rig.ini), firstRunFile("DK5XX"));
         EXPECT_TRUE(rig.calls.contains("CALL DK5XX / Set your locator in Setup"));
         EXPECT_EQ(rig.setupEvents, QStringList({"autoupdate 0", "Setup_Click", "autoupdate 0"}));
     }

@@ -4,11 +4,49 @@
 set -euo pipefail
 cd "$(dirname "$0")"
 
-packages=(build-essential cmake ninja-build pkg-config qt6-base-dev libgl-dev
-          libgtest-dev libgmock-dev libbenchmark-dev libhamlib-dev libgeographiclib-dev
-          fontconfig fonts-dejavu-core xvfb xauth clang libclang-rt-14-dev
-          desktop-file-utils appstream dpkg-dev libqt6sql6-sqlite dbus-daemon
-          libmosquitto-dev mosquitto)
+# Debian packages, one per line. "run" installs what the program needs to
+# build and run; "test" adds what the tests, benchmarks, fuzz targets and
+# install checks need.
+program_packages=(
+    build-essential
+    cmake
+    ninja-build
+    pkg-config
+    qt6-base-dev
+    libgl-dev          # Qt's Gui module asks for the OpenGL headers
+    qt6-qpa-plugins    # the window system plugins
+    libqt6sql6-sqlite  # the spot history
+    libmosquitto-dev   # the PSK Reporter feed (MQTT)
+    fontconfig
+    fonts-dejavu-core
+)
+test_packages=(
+    libgtest-dev
+    libgmock-dev
+    libbenchmark-dev
+    libhamlib-dev      # reference geometry
+    libgeographiclib-dev
+    clang              # fuzz targets
+    libclang-rt-14-dev
+    xvfb               # screenshots of the window
+    xauth
+    desktop-file-utils # install check
+    appstream
+    dpkg-dev           # cpack -G DEB
+    mosquitto          # a local MQTT broker for the PSK Reporter tests
+    dbus-daemon        # a private session bus for the notification tests
+)
+
+mode="${1:-run}"
+[ $# -gt 0 ] && shift
+case "$mode" in
+run) packages=("${program_packages[@]}") ;;
+test) packages=("${program_packages[@]}" "${test_packages[@]}") ;;
+*)
+    echo "usage: $0 [run|test] [arguments]" >&2
+    exit 2
+    ;;
+esac
 
 missing=()
 for package in "${packages[@]}"; do
@@ -22,10 +60,12 @@ if ((${#missing[@]})); then
     DEBIAN_FRONTEND=noninteractive $sudo apt-get install -y -qq "${missing[@]}"
 fi
 
-mode="${1:-run}"
-[ $# -gt 0 ] && shift
+# One build folder for both: "run" leaves the tests and benchmarks out, so it
+# needs none of their libraries; "test" builds everything.
+with_tests=$([ "$mode" = test ] && echo ON || echo OFF)
 build_dir="${ZKR_BUILD_DIR:-build}"
-cmake -S . -B "$build_dir" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DZKR_WARNINGS_AS_ERRORS=ON
+cmake -S . -B "$build_dir" -G Ninja -DCMAKE_BUILD_TYPE=RelWithDebInfo -DZKR_WARNINGS_AS_ERRORS=ON \
+    -DZKR_BUILD_TESTS="$with_tests" -DZKR_BUILD_BENCH="$with_tests"
 cmake --build "$build_dir" -j "$(nproc)"
 
 case "$mode" in
@@ -46,9 +86,5 @@ test)
     cd build-asan
     LSAN_OPTIONS="suppressions=$PWD/../tests/lsan.supp:print_suppressions=0" QT_QPA_PLATFORM=offscreen \
         ctest --no-tests=error --output-on-failure -j "$(nproc)" --timeout 300 "$@"
-    ;;
-*)
-    echo "usage: $0 [run|test] [arguments]" >&2
-    exit 2
     ;;
 esac

@@ -252,6 +252,11 @@ EsPath Es_Path(GeoPoint first, GeoPoint second, GeoPoint ownPosition, double fre
 }
 
 bool Compute_EsPath(SpotWork &work, const AnalysisSettings &settings) {
+    // Until the user sets a locator the spots go out without Es results:
+    // that is a state the window shows once, not a fault of every spot.
+    if (settings.ownLocator.isEmpty()) {
+        return false;
+    }
     // Without a valid own locator nothing can be computed.
     if (Check_Locator(settings.ownLocator)) {
         work.spot.error = QStringLiteral("Own Locator in ") + settings.settingsFileName +

@@ -146,6 +146,32 @@ bool Check_Locator(const QString &locator) {
     return wrong;
 }
 
+QString locatorProblem(const QString &locator) {
+    if (locator.isEmpty()) {
+        return QStringLiteral("No locator was given: 4 characters for a square (JO62) or 6 for "
+                              "a subsquare (JO62QM).");
+    }
+    const QString quoted = QLatin1Char('"') + locator + QLatin1Char('"');
+    if (locator.size() != 4 && locator.size() != 6) {
+        return quoted + QStringLiteral(" has %1 characters; a locator has 4 (JO62) or 6 (JO62QM).")
+                            .arg(locator.size());
+    }
+    const struct {
+        qsizetype at;
+        char from, to;
+        const char *rule;
+    } rules[] = {{0, 'A', 'R', "the first two characters are letters from A to R"},
+                 {2, '0', '9', "the third and fourth characters are digits"},
+                 {4, 'A', 'X', "the fifth and sixth characters are letters from A to X"}};
+    for (const auto &rule : rules) {
+        if (rule.at < locator.size() && (!within(locator[rule.at], rule.from, rule.to) ||
+                                         !within(locator[rule.at + 1], rule.from, rule.to))) {
+            return quoted + QStringLiteral(": ") + QLatin1String(rule.rule) + QLatin1Char('.');
+        }
+    }
+    return QString();
+}
+
 void Find_Locators(SpotWork &work) {
     EvaluatedSpot &spot = work.spot;
     upperCaseInto(spot.comment, work.commentUpper);

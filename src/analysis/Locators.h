@@ -18,6 +18,10 @@ struct GeoPoint {
 // 0-9, subsquare A-X.
 bool Check_Locator(const QString &locator);
 
+// What is wrong with `locator` (upper case) as a locator, in a sentence for
+// the user; "" exactly when Check_Locator accepts it.
+QString locatorProblem(const QString &locator);
+
 // Finds the locators of the spot: the scratch's upper-cased comment is made
 // from the spot's comment, and the first two locators in it are cut out
 // (each cut is followed by a trim) into locator1 and locator2. A

@@ -10,7 +10,7 @@ namespace zkr {
 
 // What the evaluation of a spot depends on besides the line itself.
 struct AnalysisSettings {
-    QString ownLocator;                   // OwnLocator: six characters, upper-case
+    QString ownLocator; // OwnLocator: 4 or 6 characters, upper-case; "" while none is set
     ColumnTable columns = ClusterColumns; // SpotLine_Columns of the source
     bool evalAll = false;                 // Eval_Flag: unmarked spots are computed like Es spots
     bool over144Only = false;             // print only spots of MinFrequency_MHz and above

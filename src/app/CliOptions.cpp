@@ -19,7 +19,8 @@ QString cliUsage() {
         "or \"-\"), or listens to a live cluster, evaluates the spots for sporadic-E\n"
         "propagation and prints the panes All, VHF, 2m and Es, newest spot first.\n"
         "\n"
-        "  --locator LOC        own Maidenhead locator (6 characters), required\n"
+        "  --locator LOC        own Maidenhead locator, required: JO62QM, or a square alone\n"
+        "                       (JO62) for its centre\n"
         "  --call CALL          own call sign, the login at the cluster (default NOCALL)\n"
         "  --cluster HOST:PORT  log into this telnet cluster and stay, reconnecting after\n"
         "                       a drop, until --seconds have passed or SIGINT/SIGTERM\n"
@@ -126,12 +127,6 @@ std::variant<CliOptions, QString> parseCliOptions(const QStringList &arguments) 
     options.ownLocator = parser.value(locator).toUpper();
     if (Check_Locator(options.ownLocator)) {
         return QStringLiteral("\"%1\" is not a Maidenhead locator (e.g. JO62QM)")
-            .arg(parser.value(locator));
-    }
-    // The program takes a square alone, but then no path can be computed:
-    // the own position is the centre of the subsquare.
-    if (options.ownLocator.size() != 6) {
-        return QStringLiteral("the own locator needs all 6 characters (e.g. JO62QM), not \"%1\"")
             .arg(parser.value(locator));
     }
     if (parser.isSet(call)) {

@@ -9,12 +9,12 @@
 #include "HistoryDatabase.h"
 #include "HistorySettings.h"
 #include "PaneOutput.h"
+#include "Platform.h"
+#include "ProgramFolders.h"
 
 #include <QCoreApplication>
-#include <QDir>
 #include <QFile>
 #include <QSocketNotifier>
-#include <QStandardPaths>
 
 #include <csignal>
 #include <cstdio>
@@ -62,20 +62,15 @@ void stopOnSignals(zkr::CliReplay &run, QObject *owner) {
     sigaction(SIGTERM, &action, nullptr);
 }
 
-// The history file of --db, else the one the program writes (its settings
-// file beside this tool may name another).
+// The history file of --db, else the one the program writes: found as the
+// program finds it, its settings file may name another.
 QString historyPath(const zkr::CliOptions &options) {
     if (!options.databasePath.isEmpty()) {
         return options.databasePath;
     }
-    const QString name = QCoreApplication::applicationName();
-    QCoreApplication::setApplicationName(QStringLiteral("ZKR_MUF"));
-    const QString dataFolder = QStandardPaths::writableLocation(QStandardPaths::AppDataLocation);
-    QCoreApplication::setApplicationName(name);
-    return zkr::HistorySettings::read(
-               QDir(QCoreApplication::applicationDirPath()).filePath(QStringLiteral("zkr_muf.ini")),
-               dataFolder)
-        .databasePath;
+    const zkr::ProgramFolders folders = zkr::ProgramFolders::locate(
+        QCoreApplication::applicationDirPath(), zkr::standardUserFolder);
+    return zkr::HistorySettings::read(folders.settingsFile(), folders.history).databasePath;
 }
 
 int exportCsv(const zkr::CliOptions &options) {

@@ -1,5 +1,6 @@
 #include "OwnCall.h"
 
+#include "Locators.h"
 #include "MsgBox_Pos.h"
 #include "Platform.h"
 #include "ProgramShutdown.h"
@@ -73,6 +74,15 @@ QString Check_OwnCall(ProgramState &state, Platform &platform, ProgramShutdown &
         candidate = MakerCall;
     }
     return candidate.toUpper();
+}
+
+bool isOwnLocatorSet(const QString &ownLocator) {
+    return !Check_Locator(ownLocator.toUpper());
+}
+
+QString ownLocatorCaption(const QString &ownLocator) {
+    return isOwnLocatorSet(ownLocator) ? QStringLiteral("LOC ") + ownLocator.toUpper()
+                                       : QStringLiteral("Set your locator in Setup");
 }
 
 } // namespace zkr

@@ -16,4 +16,10 @@ class ProgramShutdown;
 QString Check_OwnCall(ProgramState &state, Platform &platform, ProgramShutdown &shutdown,
                       const QString &call, const QString &promptDefault);
 
+// An own locator the path model can use: a square or a subsquare, in any case.
+bool isOwnLocatorSet(const QString &ownLocator);
+// The own-locator label: "LOC " and the locator, or what to do while there is
+// none to use.
+QString ownLocatorCaption(const QString &ownLocator);
+
 } // namespace zkr

@@ -351,12 +351,13 @@ void frmZKR_MUF_Setup::Command_SaveConfig_Click() {
 
     // A wrong locator stops the save; the timer stays off and Busy set
     // until a save succeeds, so nothing runs on the wrong position.
-    state_.OwnLocator = text_Locator_->text().toUpper();
+    state_.OwnLocator = text_Locator_->text().trimmed().toUpper();
     state_.Locator_Invalid = Check_Locator(state_.OwnLocator);
     if (state_.Locator_Invalid) {
         platform_.beep(800, 200);
         MsgBox_Pos(platform_);
-        platform_.messageBox(QStringLiteral("Locator is not correct !"),
+        platform_.messageBox(QStringLiteral("Locator is not correct !") + state_.CrLf +
+                                 state_.CrLf + locatorProblem(state_.OwnLocator),
                              MsgButtons::OkCancel + MsgButtons::Exclamation, QString());
         text_Locator_->clear();
         return;
@@ -384,7 +385,7 @@ void frmZKR_MUF_Setup::Command_SaveConfig_Click() {
         state_.OwnCall = state_.Call_BeforeSetup;
         text_Call_->setText(state_.OwnCall);
         host_.showOwnCallLabels(QStringLiteral("CALL ") + state_.OwnCall,
-                                QStringLiteral("LOC ") + state_.OwnLocator);
+                                ownLocatorCaption(state_.OwnLocator));
         Ini_Write(QStringLiteral("Locator"), QStringLiteral("OwnLocator"), state_.OwnLocator,
                   state_.IniFilePath);
         hide();
@@ -403,7 +404,7 @@ void frmZKR_MUF_Setup::Command_SaveConfig_Click() {
     Command_SaveConfig_->setEnabled(true);
     Command_ExitwWthoutSave_->setEnabled(true);
     host_.showOwnCallLabels(QStringLiteral("CALL ") + state_.OwnCall,
-                            QStringLiteral("LOC ") + state_.OwnLocator);
+                            ownLocatorCaption(state_.OwnLocator));
 
     platform_.processEvents();
     state_.Web_Offline = false;

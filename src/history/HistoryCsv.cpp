@@ -1,9 +1,13 @@
 #include "HistoryCsv.h"
 
 #include "HistoryDatabase.h"
+#include "SpotLineParsing.h"
 
 #include <QIODevice>
 #include <QStringList>
+
+#include <algorithm>
+#include <iterator>
 
 namespace zkr {
 
@@ -41,46 +45,111 @@ QString paneNames(unsigned panes) {
     return names.join(QLatin1Char(' '));
 }
 
+// The spotter's call: the colon after it separates it on a cluster line.
+QString spotterCall(const QString &spotter) {
+    return spotter.endsWith(QLatin1Char(':')) ? spotter.chopped(1) : spotter;
+}
+
+// The comment as the spotter wrote it. On a cluster line the comment column
+// reaches into the time column, so a long comment ends in the time's first
+// digits; they go where the line has its time in that column.
+QString commentText(const EvaluatedSpot &spot) {
+    const int timeStart = ClusterColumns[8];
+    const qsizetype overlap =
+        std::min<qsizetype>(ClusterColumns[6] + ClusterColumns[7] - timeStart, spot.time.size());
+    QString comment = spot.comment;
+    if (!spot.time.isEmpty() &&
+        QStringView(spot.line).mid(timeStart - 1, spot.time.size()) == spot.time &&
+        comment.endsWith(QStringView(spot.time).left(overlap))) {
+        comment.chop(overlap);
+    }
+    return comment.trimmed();
+}
+
+// A square alone carries "??" for the path model; the cell has it as found.
+QString locatorCell(const QString &locator) {
+    return locator.endsWith(QLatin1String("??")) ? locator.chopped(2) : locator;
+}
+
+// What a cell is made from.
+struct Row {
+    const EvaluatedSpot &spot;
+    const QString &source;
+};
+
+// An Es result, or an empty cell when no path was computed.
+QString esNumber(const Row &row, double EsPath::*value, int decimals) {
+    return row.spot.es ? number((*row.spot.es).*value, decimals) : QString();
+}
+
+QString esText(const Row &row, QString EsPath::*value) {
+    return row.spot.es ? (*row.spot.es).*value : QString();
+}
+
+struct Column {
+    const char *name;
+    QString (*cell)(const Row &row);
+};
+
+// One entry per column, in the file's order. A value that does not exist
+// is an empty cell, never a 0 a spreadsheet would count.
+const Column Columns[] = {
+    {"received_utc", [](const Row &row) { return utc(row.spot.received); }},
+    {"spot_time_utc", [](const Row &row) { return utc(row.spot.spotTimeUtc()); }},
+    {"source", [](const Row &row) { return row.source; }},
+    {"spotter", [](const Row &row) { return spotterCall(row.spot.spotter); }},
+    {"frequency_mhz",
+     [](const Row &row) { return number(static_cast<double>(row.spot.frequency), 4); }},
+    {"dx", [](const Row &row) { return row.spot.dxCall; }},
+    {"comment", [](const Row &row) { return commentText(row.spot); }},
+    {"mode",
+     [](const Row &row) {
+         return row.spot.mode == QLatin1String("??") ? QString() : row.spot.mode;
+     }},
+    {"locator1", [](const Row &row) { return locatorCell(row.spot.locator1); }},
+    {"locator2", [](const Row &row) { return locatorCell(row.spot.locator2); }},
+    {"cloud", [](const Row &row) { return esText(row, &EsPath::cloud); }},
+    {"muf_mhz", [](const Row &row) { return esNumber(row, &EsPath::muf, 2); }},
+    {"critical_mhz", [](const Row &row) { return esNumber(row, &EsPath::critical, 2); }},
+    // Below the own horizon the cloud gives no FOT at all.
+    {"fot_mhz",
+     [](const Row &row) {
+         return row.spot.es && row.spot.es->ownMuf > 0 ? esNumber(row, &EsPath::ownMuf, 2)
+                                                       : QString();
+     }},
+    {"azimuth", [](const Row &row) { return esNumber(row, &EsPath::azimuth, 1); }},
+    {"elevation", [](const Row &row) { return esNumber(row, &EsPath::elevation, 1); }},
+    {"far", [](const Row &row) { return esText(row, &EsPath::far); }},
+    {"path_km", [](const Row &row) { return esNumber(row, &EsPath::pathKm, 0); }},
+    {"own_km", [](const Row &row) { return esNumber(row, &EsPath::ownKm, 0); }},
+    {"panes", [](const Row &row) { return paneNames(row.spot.panes); }},
+    {"line", [](const Row &row) { return row.spot.line; }},
+};
+
 } // namespace
 
 QString historyCsvHeader() {
-    return QStringLiteral("received_utc,spot_time_utc,source,spotter,frequency_mhz,dx,comment,"
-                          "mode,locator1,locator2,cloud,muf_mhz,critical_mhz,fot_mhz,azimuth,"
-                          "elevation,far,path_km,own_km,panes,line") +
-           RowEnd;
+    QStringList names;
+    for (const Column &column : Columns) {
+        names.append(QLatin1String(column.name));
+    }
+    return names.join(Separator) + RowEnd;
 }
 
 QString historyCsvRow(const EvaluatedSpot &spot, const QString &source) {
-    QStringList fields{utc(spot.received),
-                       utc(spot.spotTimeUtc()),
-                       source,
-                       spot.spotter,
-                       number(static_cast<double>(spot.frequency), 4),
-                       spot.dxCall,
-                       spot.comment.trimmed(),
-                       spot.mode,
-                       spot.locator1,
-                       spot.locator2};
-    if (spot.es) {
-        const EsPath &es = *spot.es;
-        fields << es.cloud << number(es.muf, 2) << number(es.critical, 2) << number(es.ownMuf, 2)
-               << number(es.azimuth, 1) << number(es.elevation, 1) << es.far << number(es.pathKm, 0)
-               << number(es.ownKm, 0);
-    } else {
-        for (int i = 0; i < 9; ++i) {
-            fields << QString();
-        }
+    QStringList cells;
+    cells.reserve(static_cast<qsizetype>(std::size(Columns)));
+    for (const Column &column : Columns) {
+        cells.append(field(column.cell(Row{spot, source})));
     }
-    fields << paneNames(spot.panes) << spot.line;
-    for (QString &text : fields) {
-        text = field(text);
-    }
-    return fields.join(Separator) + RowEnd;
+    return cells.join(Separator) + RowEnd;
 }
 
 std::optional<qint64> exportHistoryCsv(HistoryDatabase &database, const QDateTime &from,
                                        const QDateTime &to, QIODevice &out, QString &error) {
-    if (out.write(historyCsvHeader().toUtf8()) < 0) {
+    // The byte-order mark tells spreadsheet programs the text is UTF-8, so
+    // that accents in comments read right.
+    if (out.write(QByteArrayLiteral("\xEF\xBB\xBF") + historyCsvHeader().toUtf8()) < 0) {
         error = out.errorString();
         return std::nullopt;
     }

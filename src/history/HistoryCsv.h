@@ -13,9 +13,10 @@ namespace zkr {
 
 class HistoryDatabase;
 
-// The spot history as CSV (RFC 4180: comma, CR LF, fields with a comma,
-// quote or line break in double quotes, quotes doubled), UTF-8, one header
-// row, one row per spot with its Es results.
+// The spot history as CSV for spreadsheets (RFC 4180: comma, CR LF, fields
+// with a comma, quote or line break in double quotes, quotes doubled), UTF-8
+// after a byte-order mark, one header row, one row per spot with its Es
+// results; a value that does not exist is an empty cell.
 QString historyCsvHeader();
 QString historyCsvRow(const EvaluatedSpot &spot, const QString &source);
 

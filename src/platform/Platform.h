@@ -45,13 +45,21 @@ struct FileDialogRequest {
     QString initialFolder;
     bool mustExist = false;
     bool save = false; // asks where to write a new file, not for one to read
+    // Added to a name typed without an extension, before the dialog asks
+    // whether to replace an existing file ("csv").
+    QString defaultSuffix;
 };
 
 // Per-user folders of the desktop's conventions.
 enum class UserFolder {
-    Config, // settings (~/.config/zkr_muf)
-    Data,   // records, history, the user's own cluster list (~/.local/share/zkr_muf)
+    Config,    // settings (~/.config/zkr_muf)
+    Data,      // records, history, the user's own cluster list (~/.local/share/zkr_muf)
+    Documents, // the user's documents (~/Documents), where exports are offered first
 };
+
+// The desktop's folder of that kind for this program. It does not depend on
+// the application's name, so the program and the headless tool agree.
+QString standardUserFolder(UserFolder kind);
 
 // Everything the program asks of the desktop. All windows and dialogs go
 // through this interface, so that tests can script a whole start-up with a

@@ -20,7 +20,6 @@
 #include <QPointer>
 #include <QPushButton>
 #include <QScreen>
-#include <QStandardPaths>
 #include <QSystemTrayIcon>
 #include <QUrl>
 
@@ -347,6 +346,7 @@ QString QtPlatform::openFileDialog(const FileDialogRequest &request) {
     }
     dialog.setFileMode(request.mustExist ? QFileDialog::ExistingFile : QFileDialog::AnyFile);
     dialog.setAcceptMode(request.save ? QFileDialog::AcceptSave : QFileDialog::AcceptOpen);
+    dialog.setDefaultSuffix(request.defaultSuffix);
     if (dialog.exec() != QDialog::Accepted || dialog.selectedFiles().isEmpty()) {
         return QString();
     }
@@ -378,9 +378,7 @@ QString QtPlatform::applicationFolder() {
 }
 
 QString QtPlatform::userFolder(UserFolder kind) {
-    return QStandardPaths::writableLocation(kind == UserFolder::Config
-                                                ? QStandardPaths::AppConfigLocation
-                                                : QStandardPaths::AppDataLocation);
+    return standardUserFolder(kind);
 }
 
 QString QtPlatform::commandLine() {

@@ -74,7 +74,8 @@ private:
     bool openUrlResult_ = true;
     QHash<QString, QString> environment_;
     QString applicationFolder_ = QStringLiteral(".");
-    QString userFolders_[2] = {QStringLiteral("./config"), QStringLiteral("./data")};
+    QString userFolders_[3] = {QStringLiteral("./config"), QStringLiteral("./data"),
+                               QStringLiteral("./documents")};
     bool notificationsAvailable_ = true;
     QString commandLine_;
     QSize screenSize_{1920, 1080};

@@ -10,9 +10,22 @@
 namespace zkr {
 
 ProgramFolders ProgramFolders::find(Platform &platform) {
-    const QString programFolder = platform.applicationFolder();
+    ProgramFolders folders = locate(platform.applicationFolder(), [&platform](UserFolder kind) {
+        return platform.userFolder(kind);
+    });
+    if (!folders.portable) {
+        // Made now, so that the first save does not fail for want of a folder.
+        QDir().mkpath(folders.settings);
+        QDir().mkpath(folders.data);
+    }
+    return folders;
+}
+
+ProgramFolders ProgramFolders::locate(const QString &programFolder,
+                                      const std::function<QString(UserFolder)> &userFolder) {
     const QString listName = QLatin1String(ClusterListName);
     ProgramFolders folders;
+    folders.history = userFolder(UserFolder::Data);
     // An installation has its shipped files in its data folder; root may
     // write to /usr/bin, but that makes no portable copy of it. Writing is
     // tried, not judged by the permission bits, which root ignores and a
@@ -25,15 +38,16 @@ ProgramFolders ProgramFolders::find(Platform &platform) {
         folders.clusterLists = {QDir(programFolder).filePath(listName)};
         return folders;
     }
-    folders.settings = platform.userFolder(UserFolder::Config);
-    folders.data = platform.userFolder(UserFolder::Data);
-    // Made now, so that the first save does not fail for want of a folder.
-    QDir().mkpath(folders.settings);
-    QDir().mkpath(folders.data);
+    folders.settings = userFolder(UserFolder::Config);
+    folders.data = folders.history;
     folders.clusterLists = {QDir(folders.data).filePath(listName),
                             QDir(installedDataFolder(programFolder)).filePath(listName),
                             QDir(programFolder).filePath(listName)};
     return folders;
+}
+
+QString ProgramFolders::settingsFile() const {
+    return QDir(settings).filePath(QLatin1String(SettingsName));
 }
 
 QString ProgramFolders::clusterList() const {

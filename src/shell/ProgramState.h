@@ -23,7 +23,6 @@ struct ProgramState {
     ProgramFolders Folders;
     QString ComputerName;
     QString Check_OwnCall_Arg;
-    QString OwnLocator_Default;
 
     // --- Run mode and sources ---
     QString RunMode;

@@ -19,11 +19,23 @@ namespace zkr {
 
 namespace {
 
+// The profile functions hand back at most 254 characters (a 255-byte buffer
+// with its terminating NUL).
+constexpr qsizetype MaxValueLength = 254;
+
 QString upperUnlessEmpty(const QString &text) {
     return text.isEmpty() ? text : text.toUpper();
 }
 
 } // namespace
+
+QString Ini_Read(ProgramState &state, const QString &section, const QString &key,
+                 const QString &defaultValue, const QString &path) {
+    QString result = IniFile::load(path).value(section, key).value_or(defaultValue);
+    result.truncate(MaxValueLength);
+    state.Ini_Result_Length = static_cast<long>(result.size());
+    return trimBlanks(result);
+}
 
 SettingsFile::SettingsFile(ProgramState &state, Platform &platform, MainWindowLink &mainWindow,
                            SetupDialogLink &setupDialog)
@@ -116,21 +128,30 @@ void SettingsFile::Create_Settings() {
           state_.ProgramVersion + state_.CrLf);
     write(QStringLiteral("Call"), QStringLiteral("OwnCall"), state_.OwnCall + state_.CrLf);
 
-    state_.Locator_Invalid = true;
-    while (state_.Locator_Invalid) {
+    // The prompt starts empty: a square filled in would pass for the
+    // user's own at a quick Enter. A wrong entry comes back with what is
+    // wrong with it; Cancel leaves the locator unset, which the window
+    // shows until Setup sets one.
+    QString entry;
+    QString problem;
+    state_.OwnLocator.clear();
+    for (;;) {
         platform_.beep(800, 200);
         MsgBox_Pos(platform_);
+        const QString question = QStringLiteral("What is your Locator ? ");
         const std::optional<QString> answer = platform_.inputBox(
-            QStringLiteral("What is your Locator ? "), QString(), state_.OwnLocator_Default);
+            problem.isEmpty() ? question : problem + state_.CrLf + state_.CrLf + question,
+            QString(), entry);
         if (!answer) {
-            state_.OwnLocator = state_.OwnLocator_Default;
-        } else {
-            state_.OwnLocator = answer->toUpper();
+            break;
         }
-        state_.Locator_Invalid = Check_Locator(state_.OwnLocator);
-        if (state_.Locator_Invalid) {
-            platform_.beep(800, 200);
+        entry = answer->trimmed().toUpper();
+        problem = locatorProblem(entry);
+        if (problem.isEmpty()) {
+            state_.OwnLocator = entry;
+            break;
         }
+        platform_.beep(800, 200);
     }
 
     write(QStringLiteral("Locator"), QStringLiteral("OwnLocator"), state_.OwnLocator + state_.CrLf);
@@ -150,7 +171,7 @@ void SettingsFile::Save_Settings() {
     write(QStringLiteral("Version"), QStringLiteral("Version"), state_.ProgramVersion);
     state_.OwnCall = upperUnlessEmpty(setupDialog_.callText());
     write(QStringLiteral("Call"), QStringLiteral("OwnCall"), state_.OwnCall);
-    state_.OwnLocator = upperUnlessEmpty(setupDialog_.locatorText());
+    state_.OwnLocator = upperUnlessEmpty(setupDialog_.locatorText().trimmed());
     write(QStringLiteral("Locator"), QStringLiteral("OwnLocator"), state_.OwnLocator);
     write(QStringLiteral("Telnet"), QStringLiteral("Telnet_Call"), state_.Telnet_Call);
     write(QStringLiteral("Telnet"), QStringLiteral("Telnet_Host"), state_.Telnet_Host);

@@ -11,6 +11,12 @@ class Platform;
 class MainWindowLink;
 class SetupDialogLink;
 
+// Reads one key as the program always did: the value, or `defaultValue` when
+// the key is missing, cut to 254 characters and trimmed of blanks. The
+// length before trimming goes to Ini_Result_Length.
+QString Ini_Read(ProgramState &state, const QString &section, const QString &key,
+                 const QString &defaultValue, const QString &path);
+
 // The settings file zkr_muf.ini beside the executable: the start-up check,
 // reading, the first-run dialogue, saving, and the one shut-down path.
 class SettingsFile : public ProgramShutdown {

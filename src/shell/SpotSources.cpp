@@ -2,6 +2,7 @@
 
 #include "HistorySettings.h"
 #include "MsgBox_Pos.h"
+#include "OwnCall.h"
 #include "PaneView.h"
 #include "Platform.h"
 #include "ProgramState.h"
@@ -114,7 +115,10 @@ void SpotSources::connectFeed(ClusterFeed &feed) {
 
 void SpotSources::applyAnalysisSettings() {
     AnalysisSettings settings;
-    settings.ownLocator = state_.OwnLocator.toUpper();
+    // An own locator that cannot be used is none: the spots go out without
+    // Es results and the window says to set one, instead of a fault per spot.
+    settings.ownLocator =
+        isOwnLocatorSet(state_.OwnLocator) ? state_.OwnLocator.toUpper() : QString();
     settings.columns = Load_ColumnTable(state_.RunMode);
     settings.evalAll = state_.Eval_Flag;
     settings.over144Only = window_.over144Only();
@@ -285,9 +289,7 @@ void SpotSources::startHistory() {
     if (!intoPanes) {
         disconnect(&history_, &SpotHistory::restored, this, &SpotSources::showRestored);
     }
-    history_.start(
-        HistorySettings::read(state_.IniFilePath, platform_.userFolder(UserFolder::Data)),
-        intoPanes);
+    history_.start(HistorySettings::read(state_.IniFilePath, state_.Folders.history), intoPanes);
 }
 
 void SpotSources::showRestored(const QList<EvaluatedSpot> &spots) {
@@ -301,12 +303,19 @@ void SpotSources::showRestored(const QList<EvaluatedSpot> &spots) {
 void SpotSources::exportHistory(int hours) {
     FileDialogRequest request;
     request.title = QStringLiteral("Export the spot history");
-    request.filter = QStringLiteral("CSV files (*.csv)|*.csv|all files (*.*)|*.*");
-    request.initialFolder = platform_.userFolder(UserFolder::Data);
+    // The dialog adds the patterns to the description itself.
+    request.filter = QStringLiteral("CSV files|*.csv");
+    request.initialFolder = platform_.userFolder(UserFolder::Documents);
     request.save = true;
-    const QString chosen = platform_.openFileDialog(request);
+    request.defaultSuffix = QStringLiteral("csv");
+    QString chosen = platform_.openFileDialog(request);
     if (chosen.isEmpty()) {
         return;
+    }
+    // A name without its extension would open in no spreadsheet, whatever
+    // dialog the desktop gave.
+    if (!chosen.endsWith(QLatin1String(".csv"), Qt::CaseInsensitive)) {
+        chosen += QLatin1String(".csv");
     }
     const QDateTime now = QDateTime::currentDateTimeUtc();
     history_.exportCsv(hours > 0 ? now.addSecs(-3600LL * hours)

@@ -1,5 +1,6 @@
 #include "Startup.h"
 
+#include "OwnCall.h"
 #include "Platform.h"
 #include "ProgramState.h"
 #include "RunModes.h"
@@ -7,8 +8,6 @@
 #include "SiteDefaults.h"
 #include "StartupWindow.h"
 #include "TextFunctions.h"
-
-#include <QDir>
 
 #include <cmath>
 
@@ -78,16 +77,15 @@ void Form_Load(ProgramState &s, Platform &platform, StartupWindow &window) {
 
     // 3. Settings file beside the executable, or in the user's folder when
     // the program is installed where the user cannot write.
-    s.IniFileName = QStringLiteral("zkr_muf.ini");
+    s.IniFileName = QLatin1String(ProgramFolders::SettingsName);
     s.Folders = ProgramFolders::find(platform);
-    s.IniFilePath = QDir(s.Folders.settings).filePath(s.IniFileName);
+    s.IniFilePath = s.Folders.settingsFile();
 
     // 4. Only the developer-workstation test uses the computer name.
     s.ComputerName = platform.environmentValue(QStringLiteral("Computername").toUpper());
 
     // 5-7. Defaults of the sources and the spot list.
     s.Check_OwnCall_Arg.clear();
-    s.OwnLocator_Default = QStringLiteral("JO62QM");
     s.Telnet_Connected = false;
     s.Busy = false;
     s.Telnet_DebugFile = QStringLiteral("Telnet_Debug_Datei.txt");
@@ -142,8 +140,7 @@ void Form_Load(ProgramState &s, Platform &platform, StartupWindow &window) {
     }
 
     // 17-20.
-    window.showOwnCallLabels(QStringLiteral("CALL ") + s.OwnCall,
-                             QStringLiteral("LOC ") + s.OwnLocator);
+    window.showOwnCallLabels(QStringLiteral("CALL ") + s.OwnCall, ownLocatorCaption(s.OwnLocator));
     window.selectTab(static_cast<int>(roundHalfEven(leadingNumber(s.Pos_SSTab))));
     window.setSetupSaveEnabled(false);
     s.Web_Offline = true;

@@ -5,6 +5,7 @@
 #include "BgrColour.h"
 #include "EsWatchLink.h"
 #include "Int16Arithmetic.h"
+#include "OwnCall.h"
 #include "Platform.h"
 #include "ProgramState.h"
 #include "RunModes.h"
@@ -349,7 +350,8 @@ void frmZKR_MUF::applyColours() {
     setBackground(Check_Over144MHZOnly_, fromBgr(Teal));
     setBackground(Check_EsSpotsOnly_, fromBgr(Teal));
     setBackground(Label_OwnCall_, fromBgr(Teal));
-    setBackground(Label_OwnLocator_, fromBgr(Teal));
+    // Red while there is no own locator to compute with.
+    setBackground(Label_OwnLocator_, fromBgr(isOwnLocatorSet(state_.OwnLocator) ? Teal : Red));
     // The desktop's colour of inactive window borders.
     setBackground(Command_End_, palette().color(QPalette::Inactive, QPalette::Window));
     setBackground(Label2_, fromBgr(LightYellow));
@@ -453,6 +455,10 @@ void frmZKR_MUF::showOwnCallLabels(const QString &callCaption, const QString &lo
     Label_OwnCall_->setVisible(true);
     Label_OwnLocator_->setText(locatorCaption);
     Label_OwnLocator_->setVisible(true);
+    const bool set = isOwnLocatorSet(state_.OwnLocator);
+    setBackground(Label_OwnLocator_, fromBgr(set ? Teal : Red));
+    Label_OwnLocator_->setToolTip(
+        set ? QString() : QStringLiteral("Spots show no Es results until Setup has your locator"));
 }
 
 void frmZKR_MUF::selectTab(int index) {

@@ -87,10 +87,12 @@ TEST(FindMode, ClassifiesInTestOrderAndCutsTheMarker) {
 TEST(Locators, SquaresFaultsAndTheFarSide) {
     for (const char *good : {"JO62QM", "JO62", "AA00AA", "RR99XX"}) {
         EXPECT_FALSE(Check_Locator(good)) << good;
+        EXPECT_EQ(locatorProblem(good), ""); // nothing to tell the user
     }
     for (const char *bad :
-         {"JO62QZ", "JO62YA", "JO6", "JO62Q", "JO62QMA", "jo62qm", "SO62QM", "JOA2QM"}) {
+         {"JO62QZ", "JO62YA", "JO6", "JO62Q", "JO62QMA", "jo62qm", "SO62QM", "JOA2QM", ""}) {
         EXPECT_TRUE(Check_Locator(bad)) << bad;
+        EXPECT_NE(locatorProblem(bad), "") << bad;
     }
     // Hamlib checks the subsquare centres; a square alone is taken at its
     // subsquare LL, which Locator_To_LatLon writes back to the caller.

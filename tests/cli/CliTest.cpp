@@ -296,6 +296,11 @@ TEST_F(CliTest, WatchPrintsOneLinePerLevelReached) {
     }
 }
 
+TEST_F(CliTest, OwnSquareAloneIsItsCentre) {
+    const Result square = runCli({"--locator", "jo62", "--es-only", write(Session)});
+    EXPECT_TRUE(square.out.contains("FOT= 51MHz -> KP20 AZ= 36")) << square.err.toStdString();
+}
+
 TEST_F(CliTest, HelpOrStatusTwoForWrongArgumentsAndUnreadableFiles) {
     const Result help = runCli({"--help"});
     EXPECT_EQ(help.exitCode, 0);
@@ -310,7 +315,6 @@ TEST_F(CliTest, HelpOrStatusTwoForWrongArgumentsAndUnreadableFiles) {
         {{session}, "the own locator is required"},
         {{"--locator"}, "Missing value after '--locator'"},
         {{"--locator", "JO62QZ", session}, "\"JO62QZ\" is not a Maidenhead locator"},
-        {{"--locator", "JO62", session}, "needs all 6 characters"},
         {{"--locator", "JO62QM", "--call", " ", session}, "call sign given with --call is empty"},
         {{"--locator", "JO62QM", session, session}, "only one FILE"},
         {{"--locator", "JO62QM", "--json", "--jsonl", session}, "exclude each other"},
@@ -333,8 +337,10 @@ TEST_F(CliTest, HelpOrStatusTwoForWrongArgumentsAndUnreadableFiles) {
 
 } // namespace
 
+// Without --db: the history where the program writes it.
 TEST_F(CliTest, ExportCsvWritesTheRangeOfAHistoryFile) {
-    const QString db = folder.filePath("history.sqlite");
+    qputenv("XDG_DATA_HOME", folder.path().toLocal8Bit());
+    const QString db = folder.filePath("zkr_muf/history.sqlite");
     {
         zkr::HistoryDatabase history;
         ASSERT_TRUE(history.open(db, zkr::HistoryDatabase::Access::Writer));
@@ -350,6 +356,7 @@ TEST_F(CliTest, ExportCsvWritesTheRangeOfAHistoryFile) {
         int first;
     } cases[] = {
         {{"--export-csv", "2024-06-01T14:00Z", "2024-06-01T14:30Z", "--db", db}, 0, 30, 60},
+        {{"--export-csv", "2024-06-01T14:00Z", "2024-06-01T14:30Z"}, 0, 30, 60},
         {{"--export-csv", "2024-06-01T16:00+02:00", "2024-06-02", "--db", db}, 0, 120, 60},
         {{"--export-csv", "2024-06-02", "2024-06-03", "--db", db}, 0, 0, 0},
         {{"--export-csv", "2024-06-01T15:00Z", "2024-06-01T14:00Z", "--db", db}, 2, -1, 0},

@@ -1,3 +1,4 @@
+#include "HistoryCsv.h"
 #include "HistoryDatabase.h"
 #include "HistorySettings.h"
 #include "HistorySpots.h"
@@ -204,6 +205,33 @@ TEST_F(HistoryTest, StoreCommitsAndRestoresOldestFirst) {
         for (qsizetype i = 0; i < restored.size(); ++i) {
             ASSERT_EQ(restored[i], written[static_cast<std::size_t>(skipped + i)]) << i;
         }
+    }
+}
+
+// Comment without the time digits, locator as found, no FOT below the horizon.
+TEST(HistoryCsvTest, CellsAreWhatASpreadsheetShouldShow) {
+    const std::tuple<const char *, bool, const char *> cases[] = {
+        {"DX de SP9HWY:    50150.0  OH1XYZ       JO62QM<ES>KP20                 1712Z", false,
+         "SP9HWY|JO62QM<ES>KP20|KP20|50.15|ES"},
+        {"DX de G4ABC:     14074.0  EA7KW        tnx J\u00fcrgen, 73                 1710Z", false,
+         "G4ABC|tnx J\u00fcrgen, 73|||"},
+        {"DX de W1ABC:     50110.0  K2XYZ        FN31 ES FN42                   1712Z", false,
+         "W1ABC|FN31 ES FN42|FN42||ES"},
+        {"SP9HWY         50150.0 OH1XYZ       pse QSY 50.171                     1712Z", true,
+         "SP9HWY|pse QSY 50.171|||"}};
+    for (const auto &[text, web, cells] : cases) {
+        const SpotEvaluator evaluator(
+            {.ownLocator = "JO62QM", .columns = web ? WebColumns : ClusterColumns});
+        const QString line = QString::fromUtf8(text);
+        const EvaluatedSpot spot =
+            web ? evaluator.evaluateWebLine(line) : evaluator.evaluateClusterLine(line);
+        bool wellFormed = false;
+        const auto rows = test::parseCsv(historyCsvHeader() + historyCsvRow(spot, ""), &wellFormed);
+        QStringList got;
+        for (const char *name : {"spotter", "comment", "locator2", "fot_mhz", "mode"}) {
+            got.append(rows.at(1).value(rows[0].indexOf(name)));
+        }
+        EXPECT_EQ(got.join('|'), QString::fromUtf8(cells));
     }
 }
 

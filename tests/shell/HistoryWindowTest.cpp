@@ -1,6 +1,7 @@
 #include "EsWatchLink.h"
 #include "HistoryDatabase.h"
 #include "HistorySpots.h"
+#include "QtPlatform.h"
 #include "ShellFakes.h"
 #include "SpotStore.h"
 
@@ -104,15 +105,20 @@ TEST(HistoryWindowTest, PaneMenuExportsTheHistoryAsCsv) {
     auto rig = startWithHistory(data.path());
     rig->window.sources().session().feed().receive(spotLines(0, 25));
     const QString csv = data.filePath("export.csv");
-    rig->platform.answerFileDialog(csv);
+    rig->platform.setUserFolder(UserFolder::Documents, "/home/me/Documents");
+    rig->platform.answerFileDialog(data.filePath("export")); // typed without .csv
     QAction *export24h = rig->window.findChild<QAction *>("exportHours24");
     ASSERT_NE(export24h, nullptr);
     ASSERT_TRUE(rig->window.displayPane(0)->actions().contains(
         export24h->parent()->parent()->findChild<QAction *>("exportAction")));
     export24h->trigger();
-    EXPECT_TRUE(rig->platform.lastFileDialog().save);
+    const FileDialogRequest &dialog = rig->platform.lastFileDialog();
+    EXPECT_TRUE(dialog.save && dialog.initialFolder == "/home/me/Documents");
+    EXPECT_EQ(QtPlatform::toQtFilter(dialog.filter, dialog.filterIndex, nullptr),
+              "CSV files (*.csv)");
     ASSERT_TRUE(waitFor([&] { return rig->label("Label_Telnet_Status") == "Exported 25 spots"; }))
         << rig->label("Label_Telnet_Status").toStdString();
+    EXPECT_TRUE(readBytes(csv).startsWith("\xEF\xBB\xBFreceived_utc,")); // a UTF-8 mark
     bool wellFormed = false;
     const std::vector<QStringList> rows = parseCsv(QString::fromUtf8(readBytes(csv)), &wellFormed);
     EXPECT_TRUE(wellFormed);

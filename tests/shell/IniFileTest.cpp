@@ -1,4 +1,5 @@
 #include "IniFile.h"
+#include "SettingsFile.h"
 #include "ShellFakes.h"
 
 #include <QDir>

@@ -299,7 +299,8 @@ TEST(SetupDialog, AnEditTurnsBothButtonsGreenAndAWrongLocatorIsRefused) {
         dialog.Command_SaveConfig_Click();
         EXPECT_EQ(rig.platform.log(),
                   QStringList({"beep 800 200", "arm centre",
-                               R"(msgbox 49 "" "Locator is not correct !" -> 1)"}));
+                               "msgbox 49 \"\" \"Locator is not correct !\r\n\r\n\"JO6\" has 3 "
+                               "characters; a locator has 4 (JO62) or 6 (JO62QM).\" -> 1"}));
         EXPECT_EQ(rig.field<QLineEdit>("text_Locator")->text(), "");
         EXPECT_TRUE(dialog.isVisible() && rig.state.Busy);
         EXPECT_TRUE(rig.ini() == before && !rig.window.Timer1()->isActive());
@@ -482,6 +483,37 @@ TEST(EsWatchWindow, AlertStripMapAndSelectionInTheAllPane) {
     rig.window.workingPane(0).insertColored(QStringLiteral("newest line\r\n"), 0);
     rig.window.refreshPanes();
     EXPECT_EQ(rig.window.displayPane(0)->selectedLine(), 2); // stays on the spot
+}
+
+// A square set in Setup is its centre for the next Es spot; without a locator
+// spots print without results and the label says so. Neither raises a box.
+TEST(SetupDialog, OwnLocatorOfASquareComputesAndNoneLeavesResultsOut) {
+    const struct {
+        const char *typed; // in Setup; nullptr: the first start's prompt was cancelled
+        const char *label, *results;
+    } cases[] = {{"jo62 ", "LOC JO62", "MUF= 64MHz@JO96  FOT= 51MHz -> KP20 AZ= 36"},
+                 {nullptr, "Set your locator in Setup", ""}};
+    for (const auto &c : cases) {
+        SetupRig rig;
+        LocalClusterServer::writeSettings(rig.folder.path(), rig.node.port());
+        Ini_Write("Locator", "OwnLocator", "", rig.folder.filePath("zkr_muf.ini"));
+        rig.window.Form_Load();
+        ASSERT_TRUE(waitFor([&] { return rig.node.logins().size() == 1; }));
+        if (c.typed != nullptr) { // saving logs in anew
+            rig.openSetup([&](frmZKR_MUF_Setup &dialog) {
+                rig.type("text_Locator", c.typed);
+                dialog.Command_SaveConfig_Click();
+            });
+            ASSERT_TRUE(waitFor([&] { return rig.node.logins().size() == 2; }));
+        }
+        rig.node.send("DX de SP9HWY:    50150.0  OH1XYZ       JO62QM<ES>KP20                 "
+                      "1712Z\r\n");
+        ASSERT_TRUE(waitFor([&] { return rig.pane(0).contains("OH1XYZ"); }));
+        EXPECT_TRUE(rig.pane(3).contains(c.results)) << rig.pane(3).toStdString();
+        EXPECT_EQ(rig.pane(3).contains("MUF="), c.typed != nullptr);
+        EXPECT_EQ(rig.label("Label_OwnLocator"), c.label);
+        EXPECT_EQ(rig.platform.messages(), QStringList());
+    }
 }
 
 // The setup's Es watch box writes its section and the watch follows.

@@ -17,11 +17,11 @@ using test::readBytes;
 const QString Beep = "beep 800 200", Arm = "arm centre";
 const QString CallPrompt =
     R"(inputbox "                                   ZKR_MUF" "What is YOUR call sign ?" "" -> )";
-const QString LocatorPrompt = R"(inputbox "" "What is your Locator ? " "JO62QM" -> )";
+const QString LocatorPrompt = R"(inputbox "" "What is your Locator ? " "" -> )";
 
 QByteArray firstRunFile(const char *call) {
     return QByteArray("[Version]\r\nVersion=1.30\r\n\r\n[Call]\r\nOwnCall=") + call +
-           "\r\n\r\n[Locator]\r\nOwnLocator=JO62QM\r\n\r\n[Telnet]\r\nTelnet_Call=" +
+           "\r\n\r\n[Locator]\r\nOwnLocator=\r\n\r\n[Telnet]\r\nTelnet_Call=" +
            site::DefaultClusterCall.toLatin1() +
            "\r\nTelnet_Host=" + site::DefaultClusterHost.toLatin1() +
            "\r\nTelnet_Port=" + site::DefaultClusterPort.toLatin1() +
@@ -186,10 +186,12 @@ TEST(StartupSettings, FirstRunInAFolderNobodyMayWriteAsksOnceAndGoesOn) {
     rig.start();
     EXPECT_EQ(rig.state.WebCluster_Url + rig.state.UpdatePage_Url,
               "http://127.0.0.1:8/spotshttp://127.0.0.1:8/dl");
-    // A rejected locator is followed by two beeps before the next prompt.
-    EXPECT_EQ(rig.platform.log(), QStringList({Beep, Arm, CallPrompt + R"("dl1abc")", Beep, Arm,
-                                               LocatorPrompt + R"("JO6")", Beep, Beep, Arm,
-                                               LocatorPrompt + R"("jo62qm")"}));
+    // A rejected locator: two beeps, the prompt again with what is wrong.
+    EXPECT_EQ(rig.platform.log(),
+              QStringList({Beep, Arm, CallPrompt + R"("dl1abc")", Beep, Arm,
+                           LocatorPrompt + R"("JO6")", Beep, Beep, Arm,
+                           "inputbox \"\" \"\"JO6\" has 3 characters; a locator has 4 (JO62) or 6 "
+                           "(JO62QM).\r\n\r\nWhat is your Locator ? \" \"JO6\" -> \"jo62qm\""}));
     EXPECT_TRUE(rig.state.Settings_Created);
     EXPECT_EQ(rig.setupEvents, QStringList({"Setup_Click", "autoupdate 0"}));
     EXPECT_EQ(rig.state.IniFilePath, "/proc/zkr_muf/zkr_muf.ini");
@@ -232,10 +234,11 @@ TEST(StartupSettings, OnlyAnOlderFileIsReplaced) {
             EXPECT_TRUE(rig.calls.contains("CALL DL1ABC / LOC JO62")); // used upper-cased
             continue;
         }
-        // The call prompt offers the empty default, not the old call.
+        // Empty prompts; Cancel leaves the locator unset, and the window says so.
         EXPECT_EQ(rig.platform.log(), QStringList({Beep, Arm, CallPrompt + R"("dk5xx")", Beep, Arm,
                                                    LocatorPrompt + "cancel"}));
         EXPECT_EQ(readBytes(rig.ini), firstRunFile("DK5XX"));
+        EXPECT_TRUE(rig.calls.contains("CALL DK5XX / Set your locator in Setup"));
         EXPECT_EQ(rig.setupEvents, QStringList({"autoupdate 0", "Setup_Click", "autoupdate 0"}));
     }
 }

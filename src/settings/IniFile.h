@@ -9,8 +9,6 @@
 
 namespace zkr {
 
-struct ProgramState;
-
 // An INI file edited line by line the way the Windows profile functions do
 // it: sections and keys match without regard to case, a written key replaces
 // its own line or is added after the last entry of its section, a missing
@@ -53,12 +51,6 @@ private:
 
     std::vector<Line> lines_;
 };
-
-// Reads one key as the program always did: the value, or `defaultValue` when
-// the key is missing, cut to 254 characters and trimmed of blanks. The
-// length before trimming goes to Ini_Result_Length.
-QString Ini_Read(ProgramState &state, const QString &section, const QString &key,
-                 const QString &defaultValue, const QString &path);
 
 // Writes one key into the file, creating file and section as needed.
 // Returns "1" on success and "0" when the file could not be written (the old

@@ -1,8 +1,5 @@
 #include "IniFile.h"
 
-#include "ProgramState.h"
-#include "TextFunctions.h"
-
 #include <QFile>
 #include <QFileInfo>
 #include <QSaveFile>
@@ -12,10 +9,6 @@ namespace zkr {
 namespace {
 
 const QByteArray CrLf = QByteArrayLiteral("\r\n");
-
-// The profile functions hand back at most 254 characters (a 255-byte buffer
-// with its terminating NUL).
-constexpr qsizetype MaxValueLength = 254;
 
 QByteArray trimmedBlanksAndTabs(QByteArrayView text) {
     qsizetype first = 0;
@@ -215,14 +208,6 @@ bool IniFile::save(const QString &path) const {
         return false;
     }
     return file.commit();
-}
-
-QString Ini_Read(ProgramState &state, const QString &section, const QString &key,
-                 const QString &defaultValue, const QString &path) {
-    QString result = IniFile::load(path).value(section, key).value_or(defaultValue);
-    result.truncate(MaxValueLength);
-    state.Ini_Result_Length = static_cast<long>(result.size());
-    return trimBlanks(result);
 }
 
 QString Ini_Write(const QString &section, const QString &key, const QString &value,

@@ -55,7 +55,7 @@ QString historyCsvRow(const EvaluatedSpot &spot, const QString &source) {
                        utc(spot.spotTimeUtc()),
                        source,
                        spot.spotter,
-                       number(static_cast<double>(spot.frequency), 4),
+                       number(spot.frequencyMhz, 4),
                        spot.dxCall,
                        spot.comment.trimmed(),
                        spot.mode,

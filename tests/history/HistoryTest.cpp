@@ -3,6 +3,7 @@
 #include "HistorySpots.h"
 #include "IniFile.h"
 #include "QtPrinters.h"
+#include "SpotHistory.h"
 #include "SpotStore.h"
 #include "WaitFor.h"
 
@@ -205,6 +206,41 @@ TEST_F(HistoryTest, StoreCommitsAndRestoresOldestFirst) {
             ASSERT_EQ(restored[i], written[static_cast<std::size_t>(skipped + i)]) << i;
         }
     }
+}
+
+// At start the spots of the last RestoreHours come back, older ones do not.
+TEST_F(HistoryTest, RestoresTheLastHoursOnly) {
+    const QDateTime now = QDateTime::currentDateTimeUtc();
+    const struct {
+        int minutesOld;
+        bool restored;
+    } cases[] = {{180, false}, {125, false}, {90, true}, {5, true}};
+    QList<EvaluatedSpot> expected;
+    {
+        HistoryDatabase db;
+        ASSERT_TRUE(db.open(path(), HistoryDatabase::Access::Writer));
+        db.begin();
+        for (const auto &c : cases) {
+            const EvaluatedSpot spot = historySpot(c.minutesOld, now.addSecs(-60 * c.minutesOld));
+            db.insert(spot, "web");
+            if (c.restored) {
+                expected.append(spot);
+            }
+        }
+        db.commit();
+    }
+    SpotHistory history;
+    QList<EvaluatedSpot> restored;
+    bool done = false;
+    QObject::connect(&history, &SpotHistory::restored,
+                     [&](const QList<EvaluatedSpot> &spots) { restored += spots; });
+    QObject::connect(&history, &SpotHistory::released, [&] { done = true; });
+    HistorySettings settings;
+    settings.databasePath = path();
+    settings.restoreHours = 2;
+    history.start(settings, true);
+    ASSERT_TRUE(waitFor([&] { return done; }));
+    EXPECT_EQ(restored, expected);
 }
 
 TEST(HistorySettingsTest, SectionOfTheSettingsFile) {

@@ -90,7 +90,7 @@ TEST(ClusterSession, ComesBackByItselfAfterTheNodeDropsTheLinkAndLosesNoSpotAfte
     node.closeClients();
     ASSERT_TRUE(waitFor([&] { return w.failures.size() == 1; }));
     EXPECT_EQ(w.spots, QStringList({spotLine(1), spotLine(2)}));
-    EXPECT_TRUE(w.statuses.contains("Reconnecting to GB7TST in 1 s (attempt 1)"))
+    EXPECT_TRUE(w.statuses.contains("Reconnecting in 1 s (attempt 1) to GB7TST"))
         << testing::PrintToString(w.statuses);
 
     ASSERT_TRUE(
@@ -99,6 +99,26 @@ TEST(ClusterSession, ComesBackByItselfAfterTheNodeDropsTheLinkAndLosesNoSpotAfte
     node.send(spotLine(4) + "\r\n" + spotLine(5) + "\r\n");
     EXPECT_TRUE(waitFor([&] { return w.spots.size() == 4; }));
     EXPECT_EQ(w.spots.mid(2), QStringList({spotLine(4), spotLine(5)}));
+}
+
+// A node that sends a flood and hangs up: the close is seen while the
+// session still reads the flood a slice per turn.
+TEST(ClusterSession, ShowsEverySpotThatCameBeforeTheNodeClosed) {
+    LocalClusterServer node;
+    Watched w({200, 1000, 2000, 60, 20, 5, 20});
+    w.start(node.port());
+    ASSERT_TRUE(waitFor([&] { return w.session.state() == State::LoggedIn; }));
+    QByteArray flood;
+    QStringList expected;
+    for (int i = 0; i < 4000; ++i) {
+        flood += spotLine(i) + "\r\n";
+        expected << QString::fromLatin1(spotLine(i));
+    }
+    node.send(flood);
+    node.closeClients();
+    ASSERT_TRUE(waitFor([&] { return w.failures.size() == 1; }));
+    EXPECT_EQ(w.spots.size(), expected.size());
+    EXPECT_EQ(w.spots, expected);
 }
 
 TEST(ClusterSession, RetriesARefusedPortCountingDownUntilANodeListensThere) {
@@ -114,9 +134,11 @@ TEST(ClusterSession, RetriesARefusedPortCountingDownUntilANodeListensThere) {
     ASSERT_TRUE(waitFor([&] { return w.session.attempt() == 2; }));
     EXPECT_EQ(w.failures.size(), 2);
     for (const char *status : {"in 2 s (attempt 1)", "in 1 s (attempt 1)"}) {
-        EXPECT_TRUE(w.statuses.contains(QString("Reconnecting to GB7TST ") + status)) << status;
+        EXPECT_TRUE(w.statuses.contains(QString("Reconnecting ") + status + " to GB7TST"))
+            << status;
     }
-    EXPECT_TRUE(w.statuses.last().endsWith(" s (attempt 2)")) << w.statuses.last().toStdString();
+    EXPECT_TRUE(w.statuses.last().endsWith(" s (attempt 2) to GB7TST"))
+        << w.statuses.last().toStdString();
     EXPECT_FALSE(w.session.send("early\r\n"));
 
     LocalClusterServer node(port);

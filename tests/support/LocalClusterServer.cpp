@@ -53,6 +53,10 @@ void LocalClusterServer::onReadyRead(QTcpSocket *socket) {
         socket->setProperty("call", call);
         logins_.append(call);
         clients_.append(socket);
+        if (!greeting_.isEmpty()) {
+            socket->write(greeting_);
+            return;
+        }
         socket->write("Hello " + call.toLatin1() + ", this is GB7TST in Test Town\r\n");
         socket->write(prompt(call));
         return;

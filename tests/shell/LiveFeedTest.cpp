@@ -107,9 +107,9 @@ TEST_P(LiveFeed, GivesThePanesOfAFileReplayOfTheSameBytes) {
     }
     // Every spot of the stream is in the All pane, the "login:" one too,
     // and the first after the new login; UTF-8 read as such.
-    EXPECT_TRUE(program.shows(QString::fromUtf8(QByteArray(Utf8Comment).leftJustified(30))));
     for (int n = 1; n <= 121; ++n) {
-        EXPECT_TRUE(program.shows(QStringLiteral("OK%1").arg(n, 4, 10, QLatin1Char('0')))) << n;
+        const QString comment = n % 8 == 3 ? "      " + QString::fromUtf8(Utf8Comment) : "";
+        EXPECT_TRUE(program.shows(QString("OK%1").arg(n, 4, 10, QChar('0')) + comment)) << n;
     }
 }
 

@@ -1,6 +1,6 @@
 // Bytes from a cluster, cut into reads at points taken from the input
-// itself, must give the same signals as the same bytes in one read, no
-// line may hold a line end and no spot line a second record. Input: a count byte n (0-15), n piece sizes
+// itself, must give the same signals as the same bytes in one read, and no
+// line may hold a line end. Input: a count byte n (0-15), n piece sizes
 // (1-256 each, used in turn), then the stream.
 #include "ClusterFeed.h"
 
@@ -33,10 +33,9 @@ Run feed(QByteArrayView stream, const std::uint8_t *sizes, std::size_t count) {
         check(!hasLineEnd(line));
         run.events << QStringLiteral("L") + line;
     });
-    QObject::connect(&feed, &zkr::ClusterFeed::spotLine, [&](const QString &line, bool utf8) {
-        const QLatin1String start("DX de ");
-        check(!hasLineEnd(line) && line.startsWith(start) && line.indexOf(start, 6) < 0);
-        run.events << (utf8 ? QStringLiteral("U") : QStringLiteral("S")) + line;
+    QObject::connect(&feed, &zkr::ClusterFeed::spotLine, [&](const QString &line) {
+        check(!hasLineEnd(line) && line.lastIndexOf(QLatin1String("DX de ")) == 0); // one record
+        run.events << QStringLiteral("S") + line;
     });
     QObject::connect(&feed, &zkr::ClusterFeed::promptBlock, [&](const QString &block) {
         check(block.startsWith(QLatin1String("\r\n\r\n\r\n")) &&

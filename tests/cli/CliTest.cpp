@@ -200,9 +200,7 @@ TEST_F(CliTest, JsonCarriesTheSegmentsWithTheirColours) {
         json(all[0]),
         json(QJsonArray({segment(Es2m.left(33), "#000000"), segment("JO62", "#FF00FF"),
                          segment(Es2m.mid(37, 32), "#000000"), segment(Es2m.mid(69), "#FF00FF")})));
-    // The prompt is blue, in the All pane only: the others are for spots.
     EXPECT_EQ(json(all[6]), json(QJsonArray({segment(Prompt[3], "#0000FF")})));
-    EXPECT_EQ(panes.at(2).toObject().value("lines").toArray().size(), 2);
 }
 
 // One object per spot, in the order the spots came, with the Es path.
@@ -241,8 +239,7 @@ TEST_F(CliTest, JsonLinesGiveEverySpotAsItsOwnObject) {
     }
     EXPECT_EQ(printed, Es6m);
     EXPECT_EQ(spots[4].value("es").toObject().value("muf_mhz").toDouble() >= 144, true);
-    // The number as written, though the column reaches into the call "9A1ZZ".
-    EXPECT_DOUBLE_EQ(spots[4].value("frequency_mhz").toDouble(), 144.174);
+    EXPECT_DOUBLE_EQ(spots[4].value("frequency_mhz").toDouble(), 144.174); // not 9A1ZZ's 9
 }
 
 // Live: logs in, takes the spots as they come, and ends after --seconds or
@@ -264,9 +261,8 @@ TEST_F(CliTest, LiveClusterUntilTheTimeIsUpOrATermSignal) {
         }
         ASSERT_TRUE(zkr::test::waitFor([&] { return tool.state() == QProcess::NotRunning; }));
         EXPECT_EQ(tool.exitCode(), 0);
-        // Each status once, the node named once, and an end asked for is no failure.
-        const QString address = QString("127.0.0.1:%1").arg(node.port());
-        EXPECT_EQ(QString::fromUtf8(tool.readAllStandardError()),
+        const QString address = QString("127.0.0.1:%1").arg(node.port()); // each status once
+        EXPECT_EQ(QString(tool.readAllStandardError()),
                   "trying to connect to " + address + "\nConnected to " + address + "\n");
         const QString out = QString::fromUtf8(tool.readAllStandardOutput());
         if (bySignal) {

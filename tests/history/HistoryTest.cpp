@@ -208,39 +208,20 @@ TEST_F(HistoryTest, StoreCommitsAndRestoresOldestFirst) {
     }
 }
 
-// At start the spots of the last RestoreHours come back, older ones do not.
 TEST_F(HistoryTest, RestoresTheLastHoursOnly) {
-    const QDateTime now = QDateTime::currentDateTimeUtc();
-    const struct {
-        int minutesOld;
-        bool restored;
-    } cases[] = {{180, false}, {125, false}, {90, true}, {5, true}};
-    QList<EvaluatedSpot> expected;
-    {
-        HistoryDatabase db;
-        ASSERT_TRUE(db.open(path(), HistoryDatabase::Access::Writer));
-        db.begin();
-        for (const auto &c : cases) {
-            const EvaluatedSpot spot = historySpot(c.minutesOld, now.addSecs(-60 * c.minutesOld));
-            db.insert(spot, "web");
-            if (c.restored) {
-                expected.append(spot);
-            }
-        }
-        db.commit();
+    QList<EvaluatedSpot> spots; // 3 hours, 125 and 90 minutes old
+    HistoryDatabase db;
+    ASSERT_TRUE(db.open(path(), HistoryDatabase::Access::Writer));
+    for (const int minutes : {180, 125, 90}) {
+        spots.append(historySpot(minutes, QDateTime::currentDateTimeUtc().addSecs(-60 * minutes)));
+        db.insert(spots.last(), "web");
     }
+    db.close();
     SpotHistory history;
     QList<EvaluatedSpot> restored;
-    bool done = false;
-    QObject::connect(&history, &SpotHistory::restored,
-                     [&](const QList<EvaluatedSpot> &spots) { restored += spots; });
-    QObject::connect(&history, &SpotHistory::released, [&] { done = true; });
-    HistorySettings settings;
-    settings.databasePath = path();
-    settings.restoreHours = 2;
-    history.start(settings, true);
-    ASSERT_TRUE(waitFor([&] { return done; }));
-    EXPECT_EQ(restored, expected);
+    QObject::connect(&history, &SpotHistory::restored, [&](const auto &s) { restored += s; });
+    history.start({30, 2, path()}, false);
+    EXPECT_TRUE(waitFor([&] { return restored == spots.mid(2); }));
 }
 
 TEST(HistorySettingsTest, SectionOfTheSettingsFile) {

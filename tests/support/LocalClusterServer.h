@@ -35,9 +35,7 @@ public:
     // Every piece given to sendInPieces is on its way.
     bool piecesSent() const { return piecesPending_ == 0; }
     void closeClients();
-    // What the node sends after a login from now on, instead of its welcome
-    // and prompt.
-    void setGreeting(const QByteArray &bytes) { greeting_ = bytes; }
+    QByteArray greeting; // sent after a login instead of the welcome and prompt when set
     // Nothing written is still waiting to go out.
     bool socketIdle() const;
     // The prompt the node sends after the login.
@@ -54,6 +52,5 @@ private:
     QList<QPointer<QTcpSocket>> clients_;
     QStringList logins_;
     QByteArray received_;
-    QByteArray greeting_;
     int piecesPending_ = 0;
 };

@@ -34,7 +34,7 @@ Run feed(QByteArrayView stream, const std::uint8_t *sizes, std::size_t count) {
         run.events << QStringLiteral("L") + line;
     });
     QObject::connect(&feed, &zkr::ClusterFeed::spotLine, [&](const QString &line) {
-        check(!hasLineEnd(line) && line.startsWith(QLatin1String("DX de ")));
+        check(!hasLineEnd(line) && line.lastIndexOf(QLatin1String("DX de ")) == 0); // one record
         run.events << QStringLiteral("S") + line;
     });
     QObject::connect(&feed, &zkr::ClusterFeed::promptBlock, [&](const QString &block) {

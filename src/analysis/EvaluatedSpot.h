@@ -64,7 +64,10 @@ struct ApproximatePath {
 struct EvaluatedSpot {
     QString line; // the line as analysed and printed (prefix removed, mode words bracketed)
     QString spotter;
-    float frequency = 0; // MHz
+    float frequency = 0; // MHz, as the Es computation, the filters and the panes read it
+    // MHz, the number as written in the frequency column: what the JSON,
+    // CSV and history report.
+    double frequencyMhz = 0;
     QString dxCall;
     QString comment;
     QString time;

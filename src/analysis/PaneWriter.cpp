@@ -27,10 +27,9 @@ void PaneWriter::writeSpot(const EvaluatedSpot &spot) {
 }
 
 void PaneWriter::writePrompt(const QString &block) {
-    for (Pane *pane : panes_) {
-        pane->insertColored(block, Color_Blue);
-        pane->setCaret(0);
-    }
+    Pane &all = *panes_[0];
+    all.insertColored(block, Color_Blue);
+    all.setCaret(0);
 }
 
 void PaneWriter::beginPage() {

@@ -15,7 +15,8 @@ public:
     explicit PaneWriter(const ResultPanes &panes) : panes_(panes) {}
 
     void writeSpot(const EvaluatedSpot &spot);
-    // The cluster's welcome or prompt block, in blue, into every pane.
+    // The cluster's welcome or prompt block, in blue, into the All pane
+    // only: the others are for spots.
     void writePrompt(const QString &block);
     // A web page replaces what the panes held.
     void beginPage();

@@ -36,7 +36,7 @@ QStringView view(std::u16string_view text) {
 
 void Analyse_Spot(SpotWork &work, const AnalysisSettings &settings) {
     EvaluatedSpot &spot = work.spot;
-    Extract_SpotFields(spot, settings);
+    Extract_SpotFields(spot, settings, work.utf8Line);
     Find_Locators(work);
     Find_Mode(work);
     if (spot.locator2.isEmpty() || !Compute_EsPath(work, settings)) {

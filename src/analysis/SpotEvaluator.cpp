@@ -77,9 +77,10 @@ void SpotEvaluator::setSettings(AnalysisSettings settings) {
     settings_ = std::move(settings);
 }
 
-EvaluatedSpot SpotEvaluator::evaluateClusterLine(QStringView received) const {
+EvaluatedSpot SpotEvaluator::evaluateClusterLine(QStringView received, bool utf8) const {
     SpotWork work;
-    work.spot.line = Prepare_ClusterLine(received);
+    work.utf8Line = utf8;
+    work.spot.line = Prepare_ClusterLine(received, utf8);
     evaluate(work, settings_, [](EvaluatedSpot &) {});
     return std::move(work.spot);
 }

@@ -28,8 +28,9 @@ public:
     void setSettings(AnalysisSettings settings);
 
     // A line from the cluster or a file, with or without "DX de " and its
-    // line end: cut to 75 characters, prefix removed, analysed, printed.
-    EvaluatedSpot evaluateClusterLine(QStringView received) const;
+    // line end: cut to 75 bytes, prefix removed, analysed, printed. `utf8`:
+    // the line came as UTF-8, so its columns count each character's bytes.
+    EvaluatedSpot evaluateClusterLine(QStringView received, bool utf8 = false) const;
     // A line of the web spot page: trimmed, entities undone, analysed, and
     // printed in the shape of a cluster line.
     EvaluatedSpot evaluateWebLine(QStringView pageLine) const;

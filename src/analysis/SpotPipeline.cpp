@@ -15,8 +15,8 @@ void SpotPipeline::setSettings(AnalysisSettings settings) {
     evaluator_.setSettings(std::move(settings));
 }
 
-void SpotPipeline::evaluateClusterLine(const QString &line) {
-    EvaluatedSpot spot = evaluator_.evaluateClusterLine(line);
+void SpotPipeline::evaluateClusterLine(const QString &line, bool utf8) {
+    EvaluatedSpot spot = evaluator_.evaluateClusterLine(line, utf8);
     if (isClusterSpot(spot)) {
         spot.received = clock_();
         Q_EMIT spotEvaluated(spot);

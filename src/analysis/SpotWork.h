@@ -11,6 +11,8 @@ namespace zkr {
 // analysis works out on the way that is no part of it.
 struct SpotWork {
     EvaluatedSpot spot;
+    // The line came as UTF-8: the columns count its characters' bytes.
+    bool utf8Line = false;
     // The comment upper-cased; the locators and the mode marker found are
     // cut out of it.
     QString commentUpper;

@@ -15,6 +15,7 @@
 #include <QTimer>
 
 #include <cstdio>
+#include <utility>
 
 namespace zkr {
 
@@ -110,11 +111,21 @@ void CliReplay::runLive(int seconds) {
     ClusterSession session;
     session_ = &session;
     connectFeed(session.feed());
-    connect(&session, &ClusterSession::statusChanged, this,
-            [](ClusterSession::State, const QString &text) {
-                const QByteArray line = text.trimmed().toUtf8() + '\n';
-                std::fwrite(line.constData(), 1, static_cast<std::size_t>(line.size()), stderr);
-            });
+    // Once per change: not a wait's countdown every second, not the same
+    // text for connecting and connected twice.
+    ClusterSession::State lastState = ClusterSession::State::Idle;
+    QString lastLine;
+    const auto status = connect(
+        &session, &ClusterSession::statusChanged, this,
+        [&lastState, &lastLine](ClusterSession::State state, const QString &text) {
+            const QString line = text.trimmed();
+            const bool news = state != std::exchange(lastState, state) && line != lastLine;
+            if (news) {
+                lastLine = line;
+                const QByteArray bytes = line.toUtf8() + '\n';
+                std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), stderr);
+            }
+        });
     QEventLoop loop;
     liveLoop_ = &loop;
     QTimer aging;
@@ -127,9 +138,11 @@ void CliReplay::runLive(int seconds) {
     if (seconds > 0) {
         QTimer::singleShot(seconds * 1000, &loop, &QEventLoop::quit);
     }
-    session.start(options_.clusterHost, options_.clusterHost, options_.clusterPort,
-                  options_.ownCall);
+    // The node has no name but its address.
+    session.start(QString(), options_.clusterHost, options_.clusterPort, options_.ownCall);
     loop.exec();
+    // The time is up or the tool was asked to end: no failure to report.
+    disconnect(status);
     session.stop();
     session_ = nullptr;
     liveLoop_ = nullptr;

@@ -159,7 +159,7 @@ void Write_SpotJson(QByteArray &out, const EvaluatedSpot &spot) {
         spotter.chop(1); // the cluster's separator, not part of the call
     }
     appendField(out, "spotter", spotter);
-    appendNumberField(out, "frequency_mhz", spot.frequency, 4);
+    appendNumberField(out, "frequency_mhz", spot.frequencyMhz, 4);
     appendField(out, "dx", spot.dxCall);
     appendField(out, "comment", spot.comment);
     appendField(out, "mode", spot.mode);

@@ -99,7 +99,7 @@ const Column Columns[] = {
     {"source", [](const Row &row) { return row.source; }},
     {"spotter", [](const Row &row) { return spotterCall(row.spot.spotter); }},
     {"frequency_mhz",
-     [](const Row &row) { return number(static_cast<double>(row.spot.frequency), 4); }},
+     [](const Row &row) { return number(row.spot.frequencyMhz, 4); }},
     {"dx", [](const Row &row) { return row.spot.dxCall; }},
     {"comment", [](const Row &row) { return commentText(row.spot); }},
     {"mode",

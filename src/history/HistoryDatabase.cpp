@@ -273,7 +273,7 @@ bool HistoryDatabase::insert(const EvaluatedSpot &spot, const QString &source) {
                               source,
                               spot.line,
                               spot.spotter,
-                              static_cast<double>(spot.frequency),
+                              spot.frequencyMhz,
                               spot.dxCall,
                               spot.comment,
                               spot.time,
@@ -326,7 +326,8 @@ bool HistoryDatabase::read(
         const QString source = query.value(3).toString();
         spot.line = query.value(4).toString();
         spot.spotter = query.value(5).toString();
-        spot.frequency = static_cast<float>(query.value(6).toDouble());
+        spot.frequencyMhz = query.value(6).toDouble();
+        spot.frequency = static_cast<float>(spot.frequencyMhz);
         spot.dxCall = query.value(7).toString();
         spot.comment = query.value(8).toString();
         spot.time = query.value(9).toString();

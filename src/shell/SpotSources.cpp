@@ -71,8 +71,11 @@ SpotSources::SpotSources(ProgramState &state, Platform &platform, frmZKR_MUF &wi
     });
     connect(&session_, &ClusterSession::statusChanged, this, &SpotSources::onSessionStatus);
     connect(&session_, &ClusterSession::attemptFailed, this, &SpotSources::onAttemptFailed);
+    // The record keeps the bytes (one character each), so that its replay
+    // reads the lines as the session did; the console shows them decoded.
+    connect(&session_, &ClusterSession::bytesReceived, this,
+            [this](const QByteArray &bytes) { record(QString::fromLatin1(bytes)); });
     connect(&session_, &ClusterSession::textReceived, this, [this](const QString &text) {
-        record(text);
         if (console_ != nullptr) {
             console_->appendRecord(text);
         }
@@ -104,11 +107,11 @@ SpotSources::~SpotSources() {
 }
 
 void SpotSources::connectFeed(ClusterFeed &feed) {
-    connect(&feed, &ClusterFeed::spotLine, this, [this, &feed](const QString &line) {
+    connect(&feed, &ClusterFeed::spotLine, this, [this, &feed](const QString &line, bool utf8) {
         currentSource_ = &feed == &fileFeed_            ? QStringLiteral("file")
                          : state_.Telnet_Call.isEmpty() ? state_.Telnet_Host
                                                         : state_.Telnet_Call;
-        onSpotLine(line);
+        onSpotLine(line, utf8);
     });
     connect(&feed, &ClusterFeed::promptBlock, this, &SpotSources::onPrompt);
 }
@@ -223,12 +226,12 @@ void SpotSources::record(const QString &chunk) {
 
 // --- The road of a spot ---
 
-void SpotSources::onSpotLine(const QString &line) {
-    recentLines_.push_back(line);
+void SpotSources::onSpotLine(const QString &line, bool utf8) {
+    recentLines_.push_back({line, utf8});
     if (recentLines_.size() > MaxSpotLines) {
         recentLines_.pop_front();
     }
-    pipeline_.evaluateClusterLine(line);
+    pipeline_.evaluateClusterLine(line, utf8);
 }
 
 void SpotSources::onSpot(const EvaluatedSpot &spot) {
@@ -268,8 +271,8 @@ void SpotSources::reevaluateRecent() {
     for (int i = 0; i < frmZKR_MUF::PaneCount; ++i) {
         window_.workingPane(i).clear();
     }
-    for (const QString &line : recentLines_) {
-        const EvaluatedSpot spot = evaluator.evaluateClusterLine(line);
+    for (const auto &[line, utf8] : recentLines_) {
+        const EvaluatedSpot spot = evaluator.evaluateClusterLine(line, utf8);
         if (SpotPipeline::isClusterSpot(spot)) {
             writer_.writeSpot(spot);
         }

@@ -15,6 +15,7 @@
 #include <functional>
 #include <memory>
 #include <optional>
+#include <utility>
 
 namespace zkr {
 
@@ -87,7 +88,7 @@ public:
     void runStartup() override;
 
 private:
-    void onSpotLine(const QString &line);
+    void onSpotLine(const QString &line, bool utf8);
     void onSpot(const EvaluatedSpot &spot);
     void showSpot(const EvaluatedSpot &spot);
     void showRestored(const QList<EvaluatedSpot> &spots);
@@ -113,7 +114,7 @@ private:
     WebClient updateWeb_;
     std::function<void(std::optional<QString>)> updateDone_;
     QString replayFileName_;
-    std::deque<QString> recentLines_;
+    std::deque<std::pair<QString, bool>> recentLines_; // a line and whether it came as UTF-8
     qsizetype recordChars_ = 0;
     qsizetype replayedSpots_ = 0; // spots since the last replay began
     qsizetype pageNext_ = 0;      // the page line the next slice starts at

@@ -1,5 +1,7 @@
 #include "ClusterFeed.h"
 
+#include "PageDecoding.h"
+
 #include <array>
 #include <cstring>
 
@@ -16,6 +18,7 @@ constexpr unsigned char Will = 251;
 constexpr unsigned char Sb = 250;
 constexpr unsigned char Se = 240;
 constexpr char Bel = 7;
+constexpr QByteArrayView SpotStart("DX de ");
 
 enum TelnetState { Data, AfterIac, AfterVerb, InSub, InSubAfterIac };
 
@@ -48,7 +51,7 @@ bool isPrompt(QStringView line) {
 
 // The text ends in "login:", "call:" or "callsign:" (any case), blanks
 // allowed after the colon.
-bool endsInLoginRequest(const QByteArray &text) {
+bool endsInLoginRequest(QByteArrayView text) {
     qsizetype end = text.size();
     while (end > 0 && (text.at(end - 1) == ' ' || text.at(end - 1) == '\t')) {
         --end;
@@ -70,6 +73,18 @@ bool endsInLoginRequest(const QByteArray &text) {
         return true;
     };
     return endsWith("login:") || endsWith("call:") || endsWith("callsign:");
+}
+
+// Where a spot starts right after a login request in a line that is no spot
+// line, or -1. The request is left unterminated, so a node that sends a spot
+// at once after the login glues it to the request.
+qsizetype spotAfterLoginRequest(QByteArrayView line) {
+    for (qsizetype at = line.indexOf(SpotStart); at > 0; at = line.indexOf(SpotStart, at + 1)) {
+        if (endsInLoginRequest(line.first(at))) {
+            return at;
+        }
+    }
+    return -1;
 }
 
 // Removes BEL pairs, the first pair each time: of a run of n bells n % 2
@@ -167,7 +182,7 @@ void ClusterFeed::receive(QByteArrayView bytes) {
             return; // a receiver reset the feed: the rest belongs to the old link
         }
     }
-    if (!loggedIn_ && !partial_.startsWith("DX de ") && endsInLoginRequest(partial_)) {
+    if (!loggedIn_ && !partial_.startsWith(SpotStart) && endsInLoginRequest(partial_)) {
         loggedIn_ = true;
         Q_EMIT loginRequested();
     }
@@ -238,18 +253,32 @@ void ClusterFeed::takeLine() {
 void ClusterFeed::emitLine(const char *data, qsizetype size) {
     if (std::memchr(data, Bel, static_cast<std::size_t>(size)) != nullptr) {
         const QByteArray clean = withoutBellPairs(data, size);
-        handleLine(QString::fromLatin1(clean));
+        handleLine(clean);
     } else {
-        handleLine(QString::fromLatin1(data, size));
+        handleLine(QByteArrayView(data, size));
     }
 }
 
-void ClusterFeed::handleLine(QString line) {
+void ClusterFeed::handleLine(QByteArrayView bytes) {
+    if (!bytes.startsWith(SpotStart)) {
+        // Decided on the whole line, not where a read ended, so that a
+        // replay of the same bytes cuts it alike.
+        if (const qsizetype spot = spotAfterLoginRequest(bytes); spot > 0) {
+            const quint64 generation = generation_;
+            handleLine(bytes.first(spot));
+            if (generation == generation_) {
+                handleLine(bytes.sliced(spot));
+            }
+            return;
+        }
+    }
+    bool utf8 = false;
+    QString line = decodeClusterLine(bytes, &utf8);
     Q_EMIT lineReceived(line);
-    if (line.startsWith(QLatin1String("DX de "))) {
+    if (bytes.startsWith(SpotStart)) {
         loggedIn_ = true;
         block_.clear();
-        Q_EMIT spotLine(line);
+        emitSpots(bytes, std::move(line), utf8);
         return;
     }
     if (isPrompt(line)) {
@@ -277,6 +306,26 @@ void ClusterFeed::handleLine(QString line) {
     block_.append(std::move(line));
     if (block_.size() > MaxBlockLines) {
         block_.removeFirst();
+    }
+}
+
+void ClusterFeed::emitSpots(QByteArrayView bytes, QString line, bool utf8) {
+    qsizetype next = bytes.indexOf(SpotStart, SpotStart.size());
+    if (next < 0) {
+        Q_EMIT spotLine(line, utf8);
+        return;
+    }
+    // Records glued without a line end: each "DX de " starts one, decoded
+    // by itself.
+    const quint64 generation = generation_;
+    qsizetype at = 0;
+    while (at >= 0 && generation == generation_) {
+        const qsizetype end = next < 0 ? bytes.size() : next;
+        bool pieceUtf8 = false;
+        const QString piece = decodeClusterLine(bytes.sliced(at, end - at), &pieceUtf8);
+        Q_EMIT spotLine(piece, pieceUtf8);
+        at = next;
+        next = next < 0 ? -1 : bytes.indexOf(SpotStart, next + SpotStart.size());
     }
 }
 

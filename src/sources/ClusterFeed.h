@@ -18,7 +18,10 @@ namespace zkr {
 // - Pairs of BEL characters are removed from every line.
 // - Telnet option negotiation is refused (telnetReply) and never shown;
 //   a doubled 0xFF is one 0xFF character.
-// - Text is single-byte (Latin-1).
+// - Each line is read as UTF-8 when it is valid UTF-8, else as Windows-1252.
+// - A spot right after a login request on the same line (the request is
+//   never terminated, and a node may send a spot at once after the login)
+//   starts a line of its own.
 class ClusterFeed : public QObject {
     Q_OBJECT
 public:
@@ -39,9 +42,13 @@ public:
     bool loggedIn() const { return loggedIn_; }
 
 Q_SIGNALS:
-    // A complete "DX de " line, without its line end. Whether it is a spot
-    // at all (a frequency above 0) is the evaluation's to decide.
-    void spotLine(const QString &line);
+    // A complete "DX de " line, without its line end; a line holding more
+    // records glued together (no line end between them) is split before
+    // each further "DX de ". Whether it is a spot at all (a frequency above
+    // 0) is the evaluation's to decide. `utf8`: the line came as UTF-8, so
+    // its columns (padded by the node in bytes) count each character's
+    // UTF-8 bytes; otherwise each character is one byte.
+    void spotLine(const QString &line, bool utf8);
     // A line ending in ">" (not closing a "<your name>" placeholder of a
     // welcome text): the prompt, with the non-spot lines that came
     // just before it (the welcome text, a command's answer), as the block
@@ -61,7 +68,8 @@ private:
     void telnetByte(unsigned char c);
     void takeLine();
     void emitLine(const char *data, qsizetype size);
-    void handleLine(QString line);
+    void handleLine(QByteArrayView bytes);
+    void emitSpots(QByteArrayView bytes, QString line, bool utf8);
 
     QByteArray partial_;
     QStringList block_;

@@ -21,7 +21,8 @@ namespace zkr {
 namespace {
 
 QString endpoint(const QString &name, const QString &host, quint16 port) {
-    return name + QLatin1Char(' ') + host + QLatin1Char(':') + QString::number(port);
+    const QString address = host + QLatin1Char(':') + QString::number(port);
+    return name.isEmpty() ? address : name + QLatin1Char(' ') + address;
 }
 
 } // namespace
@@ -131,10 +132,10 @@ QString ClusterSession::statusText() const {
     case State::LoggedIn:
         return QStringLiteral(" Connected to ") + endpoint(name_, host_, port_);
     case State::Waiting:
-        return QStringLiteral("Reconnecting to %1 in %2 s (attempt %3)")
-            .arg(name_)
+        return QStringLiteral("Reconnecting in %1 s (attempt %2) to %3")
             .arg(secondsToRetry())
-            .arg(attempt_);
+            .arg(attempt_)
+            .arg(name_.isEmpty() ? endpoint(name_, host_, port_) : name_);
     }
     return QString();
 }
@@ -149,6 +150,7 @@ void ClusterSession::connectNow() {
         socket_->abort();
     }
     feed_.reset();
+    consoleText_.reset();
     setState(State::Connecting);
     connectTimer_->start(options_.connectTimeoutMs);
     socket_->connectToHost(host_, port_);
@@ -167,7 +169,8 @@ void ClusterSession::onReadyRead() {
     if (bytes.isEmpty()) {
         return;
     }
-    Q_EMIT textReceived(QString::fromLatin1(bytes));
+    Q_EMIT bytesReceived(bytes);
+    Q_EMIT textReceived(consoleText_.decode(bytes));
     feed_.receive(bytes);
     if (socket_->bytesAvailable() > 0 && !readQueued_) {
         readQueued_ = true;

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "ClusterFeed.h"
+#include "PageDecoding.h"
 
 #include <QAbstractSocket>
 #include <QObject>
@@ -66,7 +67,9 @@ public:
     // Seconds until the next retry while waiting.
     int secondsToRetry() const;
     // What the status shows, e.g. " Connected to GB7DJK host:7300" or
-    // "Reconnecting to GB7DJK in 20 s (attempt 3)".
+    // "Reconnecting in 20 s (attempt 3) to GB7DJK": what changes first, so
+    // that a narrow status still shows it. A node without a name is named
+    // by host and port.
     QString statusText() const;
 
     ClusterFeed &feed() { return feed_; }
@@ -77,7 +80,11 @@ Q_SIGNALS:
     void statusChanged(zkr::ClusterSession::State state, const QString &text);
     // An attempt failed: refused, not found, timed out, or the link dropped.
     void attemptFailed(const QString &reason);
-    // Text as it arrived (Latin-1), for the console and its record.
+    // Bytes as they arrived, for the console's record (its replay must see
+    // what the feed saw).
+    void bytesReceived(const QByteArray &bytes);
+    // The same decoded for the console, line by line as the feed reads
+    // them; a character cut between two reads comes whole with the second.
     void textReceived(const QString &text);
 
 private:
@@ -97,6 +104,7 @@ private:
     QTimer *connectTimer_;
     QTimer *writeTimer_;
     ClusterFeed feed_;
+    StreamDecoder consoleText_;
     QString name_;
     QString host_;
     quint16 port_ = 0;

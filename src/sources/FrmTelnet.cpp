@@ -249,10 +249,12 @@ void FrmTelnet::appendRecord(const QString &chunk) {
     if (chunk.isEmpty()) {
         return;
     }
-    // Every kind of line end starts a new line of the pane.
+    // Every kind of line end starts a new line of the pane; other control
+    // characters (the node's bells, telnet's NUL) would show as boxes.
     QString text = chunk;
     text.replace(QStringLiteral("\r\n"), QStringLiteral("\n"));
     text.replace(QLatin1Char('\r'), QLatin1Char('\n'));
+    text.removeIf([](QChar c) { return c.unicode() < 0x20 && c != u'\n' && c != u'\t'; });
     QScrollBar *bar = RichTextBox1_->verticalScrollBar();
     const bool following = bar->value() >= bar->maximum();
     QTextCharFormat black;

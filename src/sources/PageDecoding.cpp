@@ -68,6 +68,59 @@ bool isUtf8(const QByteArray &charset) {
     return charset == "utf-8" || charset == "utf8";
 }
 
+bool isAscii(QByteArrayView bytes) {
+    unsigned char any = 0;
+    for (const char c : bytes) {
+        any |= static_cast<unsigned char>(c); // no early exit: the compiler vectorises this
+    }
+    return any < 0x80;
+}
+
+// How many bytes from the start are whole, valid UTF-8 (RFC 3629: no
+// overlong forms, no surrogates, nothing above U+10FFFF). `cut` is set when
+// the text stops at a character that is valid so far but ends with the bytes.
+qsizetype validUtf8Prefix(QByteArrayView bytes, bool *cut = nullptr) {
+    const qsizetype size = bytes.size();
+    qsizetype i = 0;
+    while (i < size) {
+        const auto lead = static_cast<unsigned char>(bytes[i]);
+        if (lead < 0x80) {
+            ++i;
+            continue;
+        }
+        int length = 0;
+        unsigned char low = 0x80; // the range of the second byte
+        unsigned char high = 0xBF;
+        if (lead >= 0xC2 && lead <= 0xDF) {
+            length = 2;
+        } else if (lead >= 0xE0 && lead <= 0xEF) {
+            length = 3;
+            low = lead == 0xE0 ? 0xA0 : 0x80;
+            high = lead == 0xED ? 0x9F : 0xBF;
+        } else if (lead >= 0xF0 && lead <= 0xF4) {
+            length = 4;
+            low = lead == 0xF0 ? 0x90 : 0x80;
+            high = lead == 0xF4 ? 0x8F : 0xBF;
+        } else {
+            return i;
+        }
+        for (int k = 1; k < length; ++k) {
+            if (i + k >= size) {
+                if (cut != nullptr) {
+                    *cut = true;
+                }
+                return i;
+            }
+            const auto next = static_cast<unsigned char>(bytes[i + k]);
+            if (next < (k == 1 ? low : 0x80) || next > (k == 1 ? high : 0xBF)) {
+                return i;
+            }
+        }
+        i += length;
+    }
+    return size;
+}
+
 } // namespace
 
 QString decodeWindows1252(QByteArrayView bytes) {
@@ -76,6 +129,54 @@ QString decodeWindows1252(QByteArrayView bytes) {
     for (const char c : bytes) {
         const auto byte = static_cast<unsigned char>(c);
         *out++ = QChar(byte >= 0x80 && byte < 0xA0 ? HighControls[byte - 0x80] : char16_t{byte});
+    }
+    return text;
+}
+
+QString decodeClusterLine(QByteArrayView line, bool *utf8) {
+    if (isAscii(line)) {
+        if (utf8 != nullptr) {
+            *utf8 = false;
+        }
+        return QString::fromLatin1(line);
+    }
+    const bool valid = validUtf8Prefix(line) == line.size();
+    if (utf8 != nullptr) {
+        *utf8 = valid;
+    }
+    return valid ? QString::fromUtf8(line) : decodeWindows1252(line);
+}
+
+QString StreamDecoder::decode(QByteArrayView bytes) {
+    QByteArray joined;
+    if (!held_.isEmpty()) {
+        joined = std::exchange(held_, {}) + bytes.toByteArray();
+        bytes = joined;
+    }
+    if (isAscii(bytes)) {
+        return QString::fromLatin1(bytes);
+    }
+    QString text;
+    text.reserve(bytes.size());
+    qsizetype start = 0;
+    while (start < bytes.size()) {
+        qsizetype end = start;
+        while (end < bytes.size() && bytes[end] != '\n' && bytes[end] != '\r') {
+            ++end;
+        }
+        const bool lastPiece = end == bytes.size();
+        end = std::min(end + 1, bytes.size()); // with its line end
+        const QByteArrayView line = bytes.sliced(start, end - start);
+        bool cut = false;
+        const qsizetype valid = lastPiece ? validUtf8Prefix(line, &cut) : 0;
+        if (cut) {
+            // The rest of the character comes with the next read.
+            text += QString::fromUtf8(line.first(valid));
+            held_ = line.sliced(valid).toByteArray();
+        } else {
+            text += decodeClusterLine(line);
+        }
+        start = end;
     }
     return text;
 }

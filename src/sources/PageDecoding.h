@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QByteArray>
 #include <QByteArrayView>
 #include <QString>
 
@@ -14,5 +15,23 @@ namespace zkr {
 QString decodeWebPage(QByteArrayView body, QByteArrayView contentType = {});
 
 QString decodeWindows1252(QByteArrayView bytes);
+
+// One line of cluster text: UTF-8 when it is valid UTF-8 (today's nodes pass
+// on what users type in UTF-8), otherwise Windows-1252. `utf8` tells whether
+// UTF-8 was used for a line that is not pure ASCII (false for ASCII, where
+// both read alike).
+QString decodeClusterLine(QByteArrayView line, bool *utf8 = nullptr);
+
+// Cluster text for display as it arrives, a read at a time: each line as
+// decodeClusterLine reads it, and a UTF-8 character cut by the end of a read
+// kept for the next one instead of being garbled.
+class StreamDecoder {
+public:
+    QString decode(QByteArrayView bytes);
+    void reset() { held_.clear(); }
+
+private:
+    QByteArray held_;
+};
 
 } // namespace zkr

@@ -121,6 +121,12 @@ TEST(PrepareClusterLine, CutsAtSeventyFiveBeforeRemovingThePrefix) {
                   Prepare_ClusterLine(u"abc\r\n\r\n") + "|" + Prepare_ClusterLine(u"dx de X") +
                   Prepare_ClusterLine(u"DX deX"),
               "abc|abc\n|abc\r\n|dx de XDX deX");
+    for (const QByteArray last : {"é", "€", "𝄞"}) { // 75 bytes as UTF-8, never cut inside one
+        const QString line = exact.left(75 - last.size()) + QString::fromUtf8(last);
+        EXPECT_EQ(Prepare_ClusterLine(line, true), line.mid(6)) << last.constData();
+        const QString longer = "DX de a" + line.mid(6);
+        EXPECT_EQ(Prepare_ClusterLine(longer, true), longer.mid(6).chopped(last.size() / 2));
+    }
 }
 
 TEST(PrintRawLine, HighlightsTheFirstOwnSquareInTheLine) {

@@ -15,7 +15,11 @@ TEST(ExtractSpotFields, CutsTheLineByTheColumnsOfTheRunMode) {
     const QString web = QString("%1 %2 %3 %4 1712 OH Finla").arg("DL1ABC", -11).arg("50110.0", 10)
                             .arg("OH1XYZ", -12).arg("JO62QM KP20 es", -34);
     // fields: spotter|frequency|DX call|comment|time|tail1|tail2.
-    const struct { const char *runMode; QString line; const char *fields; } cases[] = {
+    // A comment in UTF-8, its column padded by bytes as the node does.
+    const QString utf8 = QString::fromUtf8("SP9HWY:    50110.0  OH1XYZ       " +
+                                           QByteArray("été très fort").leftJustified(30) + " 1712Z");
+    const struct { const char *runMode; QString line; const char *fields; bool utf8 = false; }
+        cases[] = {
         {"TeLnEtClUsTeR", clusterLine("1296012.5", "x").mid(6),
          "SP9HWY:|1296.01|OH1XYZ|x                              171|1712||"},
         // The frequency column reaches into the DX call: a call that starts
@@ -24,6 +28,7 @@ TEST(ExtractSpotFields, CutsTheLineByTheColumnsOfTheRunMode) {
          "SP9HWY:|14.0741|9A1AAA|FT8                            171|1712||"},
         {"WebCluster", web, "DL1ABC|50.11|OH1XYZ|JO62QM KP20 es|1712|OH|Finla"},
         {"PIGEON", web, "|0|||||"},
+        {"FILE", utf8, "SP9HWY:|50.11|OH1XYZ|été très fort               171|1712||", true},
     };
     // clang-format on
     for (const auto &c : cases) {
@@ -31,7 +36,7 @@ TEST(ExtractSpotFields, CutsTheLineByTheColumnsOfTheRunMode) {
         settings.columns = Load_ColumnTable(c.runMode);
         EvaluatedSpot spot;
         spot.line = c.line;
-        Extract_SpotFields(spot, settings);
+        Extract_SpotFields(spot, settings, c.utf8);
         const QStringList got{spot.spotter, QString::number(spot.frequency, 'g', 6),
                               spot.dxCall,  spot.comment,
                               spot.time,    spot.tail1,

@@ -95,9 +95,8 @@ TEST(PaneWriter, PutsEachSpotOnTopOfTheSelectedPanes) {
     p.writer.writeSpot(printed("a", 0b1001));
     p.writer.writeSpot(printed("b", 0b0011));
     p.writer.writeSpot(EvaluatedSpot{});
-    EXPECT_EQ(p.texts(), "b\r\na\r\n\r\nlogin ok>\r\n|b\r\n\r\nlogin ok>\r\n|\r\nlogin ok>\r\n|"
-                         "a\r\n\r\nlogin ok>\r\n");
-    EXPECT_EQ(p.pane[2].line(1).runs, QList<ColourRun>({{9, 0xFF0000}}));
+    EXPECT_EQ(p.texts(), "b\r\na\r\n\r\nlogin ok>\r\n|b\r\n||a\r\n"); // cluster text in All only
+    EXPECT_EQ(p.pane[0].line(3).runs, QList<ColourRun>({{9, 0xFF0000}}));
     EXPECT_EQ(p.pane[1].line(0).runs, QList<ColourRun>({{1, M}}));
     p.writer.writeNotice("The Webserver may be down !");
     EXPECT_EQ(p.texts(), "The Webserver may be down !|The Webserver may be down !|"

@@ -4,6 +4,7 @@
 #include "HistorySpots.h"
 #include "IniFile.h"
 #include "QtPrinters.h"
+#include "SpotHistory.h"
 #include "SpotStore.h"
 #include "WaitFor.h"
 
@@ -233,6 +234,22 @@ TEST(HistoryCsvTest, CellsAreWhatASpreadsheetShouldShow) {
         }
         EXPECT_EQ(got.join('|'), QString::fromUtf8(cells));
     }
+}
+
+TEST_F(HistoryTest, RestoresTheLastHoursOnly) {
+    QList<EvaluatedSpot> spots; // 3 hours, 125 and 90 minutes old
+    HistoryDatabase db;
+    ASSERT_TRUE(db.open(path(), HistoryDatabase::Access::Writer));
+    for (const int minutes : {180, 125, 90}) {
+        spots.append(historySpot(minutes, QDateTime::currentDateTimeUtc().addSecs(-60 * minutes)));
+        db.insert(spots.last(), "web");
+    }
+    db.close();
+    SpotHistory history;
+    QList<EvaluatedSpot> restored;
+    QObject::connect(&history, &SpotHistory::restored, [&](const auto &s) { restored += s; });
+    history.start({30, 2, path()}, false);
+    EXPECT_TRUE(waitFor([&] { return restored == spots.mid(2); }));
 }
 
 TEST(HistorySettingsTest, SectionOfTheSettingsFile) {

@@ -80,7 +80,7 @@ TEST(MainWindow, ExitAndClosingTheWindowBothSavePositionAndTab) {
     }
     // However long the status, the window fits a 1,024-pixel screen; the tooltip has it whole.
     test::ProgramRig rig;
-    const QString longStatus = "Reconnecting to " + QString(200, 'X') + " in 300 s (attempt 12)";
+    const QString longStatus = "Reconnecting in 300 s (attempt 12) to " + QString(200, 'X');
     rig.window.setStatusLabel(longStatus, 0xFFFFFF);
     rig.window.showLastSpot(QDateTime::currentDateTimeUtc());
     EXPECT_LE(rig.window.minimumSizeHint().width(), 1024);
@@ -199,7 +199,7 @@ TEST(Console, TheRecordPaneTakesEveryLineEndTheDataFieldFilledWhenShown) {
     ConsoleRig rig;
     auto *pane = rig.control<QPlainTextEdit>("RichTextBox1");
     rig.console->appendRecord("Welcome\r\n\r\nlogin: ");
-    rig.console->appendRecord("DL1ABC\r\nDX de\rDX de\n");
+    rig.console->appendRecord("DL1ABC\x07\r\nDX de\rDX de\n"); // a bell shows as nothing
     EXPECT_EQ(pane->toPlainText(), "Welcome\n\nlogin: DL1ABC\nDX de\nDX de\n");
 
     // A hidden console shows the last spot line when shown, unless refilled

@@ -13,11 +13,13 @@ struct Recorder {
     QStringList events;
 
     Recorder() {
-        for (const auto &[signal, tag] : {std::pair{&ClusterFeed::lineReceived, "L:"},
-                                          {&ClusterFeed::spotLine, "S:"},
-                                          {&ClusterFeed::promptBlock, "P:"}}) {
+        for (const auto &[signal, tag] :
+             {std::pair{&ClusterFeed::lineReceived, "L:"}, {&ClusterFeed::promptBlock, "P:"}}) {
             QObject::connect(&feed, signal, [this, tag](const QString &t) { events << tag + t; });
         }
+        QObject::connect(&feed, &ClusterFeed::spotLine, [this](const QString &t, bool utf8) {
+            events << (utf8 ? "U:" : "S:") + t; // U: it came as UTF-8
+        });
         QObject::connect(&feed, &ClusterFeed::loginRequested, [this] { events << "login"; });
         QObject::connect(&feed, &ClusterFeed::telnetReply, [this](const QByteArray &r) {
             events << "R:" + QString::fromLatin1(r.toHex());
@@ -107,6 +109,14 @@ TEST(ClusterFeed, GivesTheSameSignalsHoweverTheStreamIsCut) {
          lines({"kept"}) + lines({noFrequency}, true) + prompt({})},
         {"the prompt block keeps the newest lines", manyLines + Prompt + "\r\n",
          lines(allKept) + prompt(allKept.mid(5))},
+        {"a spot right after the login request", Prompt + "\r\nlogin: " + Spot1 + "\r\n",
+         prompt({}) + lines({"login: "}) + lines({Spot1}, true)},
+        {"records glued without a line end", Spot1 + Spot2 + Spot1 + "\r\n" + ann + Spot1 + "\n",
+         lines({Spot1 + Spot2 + Spot1}) + QStringList{"S:" + Spot1, "S:" + Spot2, "S:" + Spot1} +
+             lines({ann + Spot1})},
+        {"UTF-8 where valid, else Windows-1252",
+         "DX de \xC3\xA9\r\nDX de \x80\xE9\xC3\xA9\r\n",
+         {"L:DX de é", "U:DX de é", "L:DX de €éÃ©", "S:DX de €éÃ©"}},
     };
     for (const auto &s : streams) {
         for (const QList<int> &cut : QList<QList<int>>{{}, {1}, {1448}, {1, 7, 13, 1000}}) {

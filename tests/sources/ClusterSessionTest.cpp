@@ -2,6 +2,7 @@
 #include "FileReplay.h"
 #include "LocalClusterServer.h"
 #include "QtPrinters.h"
+#include "RetryDelay.h"
 #include "WaitFor.h"
 
 #include <QTcpServer>
@@ -90,7 +91,7 @@ TEST(ClusterSession, ComesBackByItselfAfterTheNodeDropsTheLinkAndLosesNoSpotAfte
     node.closeClients();
     ASSERT_TRUE(waitFor([&] { return w.failures.size() == 1; }));
     EXPECT_EQ(w.spots, QStringList({spotLine(1), spotLine(2)}));
-    EXPECT_TRUE(w.statuses.contains("Reconnecting to GB7TST in 1 s (attempt 1)"))
+    EXPECT_TRUE(w.statuses.contains("Reconnecting in 1 s (attempt 1) to GB7TST"))
         << testing::PrintToString(w.statuses);
 
     ASSERT_TRUE(
@@ -99,6 +100,29 @@ TEST(ClusterSession, ComesBackByItselfAfterTheNodeDropsTheLinkAndLosesNoSpotAfte
     node.send(spotLine(4) + "\r\n" + spotLine(5) + "\r\n");
     EXPECT_TRUE(waitFor([&] { return w.spots.size() == 4; }));
     EXPECT_EQ(w.spots.mid(2), QStringList({spotLine(4), spotLine(5)}));
+}
+
+// The close comes while the session still reads the flood a slice per turn.
+TEST(ClusterSession, ShowsTheSpotsThatCameJustBeforeTheNodeClosed) {
+    LocalClusterServer node;
+    Watched w({200, 1000, 2000, 60, 20, 5, 20});
+    w.start(node.port());
+    ASSERT_TRUE(waitFor([&] { return w.session.state() == State::LoggedIn; }));
+    node.send(QByteArray(spotLine(1) + "\r\n").repeated(4000));
+    node.closeClients();
+    ASSERT_TRUE(waitFor([&] { return w.failures.size() == 1; }));
+    EXPECT_EQ(w.spots.size(), 4000);
+}
+
+// Node operators block clients that retry every few seconds for hours.
+TEST(RetryPolicy, WaitsTwiceAsLongEachTimeWithinTheJitterUpToTheLimit) {
+    const RetryPolicy policy{3000, 40000};
+    const int waits[][3] = {{1, 2400, 3599},   {2, 4800, 7199},   {3, 9600, 14399},   // shortest,
+                            {4, 19200, 28799}, {5, 32000, 40000}, {9, 32000, 40000}}; // longest
+    for (const auto &[attempt, shortest, longest] : waits) {
+        EXPECT_EQ(std::tuple(attempt, policy.delayMs(attempt, 0), policy.delayMs(attempt, 0.9999)),
+                  std::tuple(attempt, shortest, longest));
+    }
 }
 
 TEST(ClusterSession, RetriesARefusedPortCountingDownUntilANodeListensThere) {
@@ -114,9 +138,9 @@ TEST(ClusterSession, RetriesARefusedPortCountingDownUntilANodeListensThere) {
     ASSERT_TRUE(waitFor([&] { return w.session.attempt() == 2; }));
     EXPECT_EQ(w.failures.size(), 2);
     for (const char *status : {"in 2 s (attempt 1)", "in 1 s (attempt 1)"}) {
-        EXPECT_TRUE(w.statuses.contains(QString("Reconnecting to GB7TST ") + status)) << status;
+        EXPECT_TRUE(w.statuses.contains("Reconnecting " + QString(status) + " to GB7TST"));
     }
-    EXPECT_TRUE(w.statuses.last().endsWith(" s (attempt 2)")) << w.statuses.last().toStdString();
+    EXPECT_TRUE(w.statuses.last().contains(" s (attempt 2)")) << w.statuses.last().toStdString();
     EXPECT_FALSE(w.session.send("early\r\n"));
 
     LocalClusterServer node(port);

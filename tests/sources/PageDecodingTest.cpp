@@ -36,4 +36,14 @@ TEST(PageDecoding, ReadsUtf8OnlyWhenThePageSaysSoAndWindows1252Otherwise) {
     }
 }
 
+// The console's text: a character cut between two reads comes whole.
+TEST(StreamDecoder, ReadsLineByLineAndKeepsACutCharacterForTheNextRead) {
+    StreamDecoder decoder;
+    QString text;
+    for (const char *read : {"caf\xC3", "\xA9 \xE2\x82", "\xAC\r\n\x80 \xE9t\xE9\r\n"}) {
+        text += decoder.decode(read);
+    }
+    EXPECT_EQ(text, "café €\r\n€ été\r\n");
+}
+
 } // namespace

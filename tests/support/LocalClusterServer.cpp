@@ -53,8 +53,9 @@ void LocalClusterServer::onReadyRead(QTcpSocket *socket) {
         socket->setProperty("call", call);
         logins_.append(call);
         clients_.append(socket);
-        socket->write("Hello " + call.toLatin1() + ", this is GB7TST in Test Town\r\n");
-        socket->write(prompt(call));
+        socket->write(greeting.isEmpty() ? "Hello " + call.toLatin1() +
+                                               ", this is GB7TST in Test Town\r\n" + prompt(call)
+                                         : greeting);
         return;
     }
     received_ += data;

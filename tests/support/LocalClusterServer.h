@@ -35,6 +35,7 @@ public:
     // Every piece given to sendInPieces is on its way.
     bool piecesSent() const { return piecesPending_ == 0; }
     void closeClients();
+    QByteArray greeting; // sent after a login instead of the welcome and prompt when set
     // Nothing written is still waiting to go out.
     bool socketIdle() const;
     // The prompt the node sends after the login.

@@ -11,8 +11,6 @@ namespace zkr {
 
 namespace {
 
-constexpr std::size_t MinCapacity = 1024;
-
 bool looksLikeCall(QStringView call) {
     const bool digit = std::any_of(call.begin(), call.end(), [](QChar c) { return c.isDigit(); });
     const bool letter = std::any_of(call.begin(), call.end(), [](QChar c) { return c.isLetter(); });
@@ -99,13 +97,10 @@ QString CallBook::unpackLocator(std::uint32_t packed) {
     return QString(reinterpret_cast<const QChar *>(c), six ? 6 : 4);
 }
 
-CallBook::CallBook(qsizetype maxEntries) : maxEntries_(std::max<qsizetype>(maxEntries, 10)) {
-    slots_.resize(MinCapacity);
-}
+CallBook::CallBook(qsizetype maxEntries) : maxEntries_(std::max<qsizetype>(maxEntries, 10)) {}
 
 void CallBook::clear() {
-    slots_.assign(MinCapacity, Slot{});
-    size_ = 0;
+    table_.clear();
     changed_.clear();
 }
 
@@ -129,84 +124,50 @@ bool CallBook::learnPacked(QStringView call, std::uint32_t locator, const QDateT
         return false;
     }
     const std::uint32_t seconds = toSeconds(when);
-    Slot *slot = slotFor(*key, false);
-    if (slot == nullptr) {
-        if (size_ >= maxEntries_) {
+    Entry *entry = table_.find(*key);
+    if (entry == nullptr) {
+        if (size() >= maxEntries_) {
             forgetOldest();
         }
-        slot = slotFor(*key, true);
-        slot->from = from;
+        bool inserted = false;
+        entry = &table_.insert(*key, inserted);
     } else {
-        const bool own = slot->from == LearnedFrom::Own;
-        if ((own && from != LearnedFrom::Own) || (!own && seconds < slot->learned)) {
+        const bool own = entry->learnedFrom() == LearnedFrom::Own;
+        if ((own && from != LearnedFrom::Own) || (!own && seconds < entry->learned)) {
             return false;
         }
-        if (isSquareOnly(locator) && !isSquareOnly(slot->locator) &&
-            squareOf(locator) == squareOf(slot->locator)) {
-            locator = slot->locator; // the subsquare known stays
-            from = slot->from;
+        if (isSquareOnly(locator) && !isSquareOnly(entry->locator) &&
+            squareOf(locator) == squareOf(entry->locator)) {
+            locator = entry->locator; // the subsquare known stays
+            from = entry->learnedFrom();
         }
-        if (slot->locator == locator && slot->learned == seconds && slot->from == from) {
+        if (entry->locator == locator && entry->learned == seconds &&
+            entry->learnedFrom() == from) {
             return false;
         }
     }
-    slot->locator = locator;
-    slot->learned = seconds;
-    slot->from = from;
-    if (changed && !slot->changed) {
-        slot->changed = true;
+    entry->locator = locator;
+    entry->learned = seconds;
+    entry->from = static_cast<std::uint32_t>(from);
+    if (changed && entry->changed == 0) {
+        entry->changed = 1;
         changed_.push_back(*key);
     }
     return true;
-}
-
-CallBook::Slot *CallBook::slotFor(const CallKey &key, bool insert) {
-    if (insert && static_cast<std::size_t>(size_ + 1) * 4 > slots_.size() * 3) {
-        rehash(slots_.size() * 2);
-    }
-    const std::size_t mask = slots_.size() - 1;
-    for (std::size_t i = CallKeyHash()(key) & mask;; i = (i + 1) & mask) {
-        Slot &slot = slots_[i];
-        if (slot.key == key) {
-            return &slot;
-        }
-        if (slot.key.isEmpty()) {
-            if (!insert) {
-                return nullptr;
-            }
-            slot.key = key;
-            ++size_;
-            return &slot;
-        }
-    }
-}
-
-const CallBook::Slot *CallBook::findSlot(const CallKey &key) const {
-    return const_cast<CallBook *>(this)->slotFor(key, false);
-}
-
-void CallBook::rehash(std::size_t capacity) {
-    std::vector<Slot> old(std::max(capacity, MinCapacity));
-    old.swap(slots_);
-    size_ = 0;
-    for (const Slot &slot : old) {
-        if (!slot.key.isEmpty()) {
-            *slotFor(slot.key, true) = slot;
-        }
-    }
 }
 
 void CallBook::forgetOldest() {
     // Once per tenth of the book: the cost of a pass is spread over the
     // calls learned in between.
     std::vector<std::uint32_t> times;
-    times.reserve(static_cast<std::size_t>(size_));
-    for (const Slot &slot : slots_) {
-        if (!slot.key.isEmpty() && slot.from != LearnedFrom::Own) {
-            times.push_back(slot.learned);
+    times.reserve(table_.size());
+    table_.forEach([&times](const CallKey &, const Entry &entry) {
+        if (entry.learnedFrom() != LearnedFrom::Own) {
+            times.push_back(entry.learned);
         }
-    }
-    const std::size_t forget = std::min<std::size_t>(times.size(), size_ / 10 + 1);
+        return true;
+    });
+    const std::size_t forget = std::min<std::size_t>(times.size(), table_.size() / 10 + 1);
     if (forget == 0) {
         return;
     }
@@ -214,54 +175,51 @@ void CallBook::forgetOldest() {
                      times.end());
     const std::uint32_t newestForgotten = times[forget - 1];
     std::size_t forgotten = 0;
-    for (Slot &slot : slots_) {
-        if (!slot.key.isEmpty() && slot.from != LearnedFrom::Own &&
-            (slot.learned < newestForgotten ||
-             (slot.learned == newestForgotten && forgotten < forget))) {
-            slot = Slot{};
-            ++forgotten;
-        }
-    }
-    rehash(slots_.size());
+    table_.retain([&](const CallKey &, const Entry &entry) {
+        const bool forgets = entry.learnedFrom() != LearnedFrom::Own &&
+                             (entry.learned < newestForgotten ||
+                              (entry.learned == newestForgotten && forgotten < forget));
+        forgotten += forgets ? 1 : 0;
+        return !forgets;
+    });
     changed_.erase(std::remove_if(changed_.begin(), changed_.end(),
-                                  [this](const CallKey &key) { return !findSlot(key); }),
+                                  [this](const CallKey &key) { return !table_.find(key); }),
                    changed_.end());
 }
 
 std::optional<CallBookEntry> CallBook::find(QStringView call) const {
     const auto key = CallKey::pack(normalisedCall(call));
-    const Slot *slot = key ? findSlot(*key) : nullptr;
-    if (slot == nullptr) {
+    const Entry *entry = key ? table_.find(*key) : nullptr;
+    if (entry == nullptr) {
         return std::nullopt;
     }
-    return entryOf(*slot);
+    return entryOf(*key, *entry);
 }
 
-CallBookEntry CallBook::entryOf(const Slot &slot) const {
-    return CallBookEntry{slot.key.unpack(), unpackLocator(slot.locator),
-                         QDateTime::fromSecsSinceEpoch(slot.learned, Qt::UTC), slot.from};
+CallBookEntry CallBook::entryOf(const CallKey &key, const Entry &entry) {
+    return CallBookEntry{key.unpack(), unpackLocator(entry.locator),
+                         QDateTime::fromSecsSinceEpoch(entry.learned, Qt::UTC),
+                         entry.learnedFrom()};
 }
 
 QList<CallBookEntry> CallBook::takeChanges() {
     QList<CallBookEntry> changes;
     changes.reserve(static_cast<qsizetype>(changed_.size()));
     for (const CallKey &key : changed_) {
-        Slot *slot = slotFor(key, false);
-        if (slot != nullptr && slot->changed) {
-            slot->changed = false;
-            changes.append(entryOf(*slot));
+        Entry *entry = table_.find(key);
+        if (entry != nullptr && entry->changed != 0) {
+            entry->changed = 0;
+            changes.append(entryOf(key, *entry));
         }
     }
-    changed_.clear();
+    // The list of a long run without storing goes, not just its contents.
+    std::vector<CallKey>().swap(changed_);
     return changes;
 }
 
 void CallBook::forEach(const std::function<bool(const CallBookEntry &)> &visit) const {
-    for (const Slot &slot : slots_) {
-        if (!slot.key.isEmpty() && !visit(entryOf(slot))) {
-            return;
-        }
-    }
+    table_.forEach(
+        [&visit](const CallKey &key, const Entry &entry) { return visit(entryOf(key, entry)); });
 }
 
 void Write_CallBookCsv(QIODevice &out, const CallBook &book) {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "CallKeyTable.h"
 #include "CallSigns.h"
 
 #include <QDateTime>
@@ -62,7 +63,7 @@ public:
 
     // The call exactly as written (normalised), nothing else.
     std::optional<CallBookEntry> find(QStringView call) const;
-    qsizetype size() const { return size_; }
+    qsizetype size() const { return static_cast<qsizetype>(table_.size()); }
     qsizetype maxEntries() const { return maxEntries_; }
     void clear();
 
@@ -76,24 +77,22 @@ public:
     static QString unpackLocator(std::uint32_t packed);
 
 private:
-    struct Slot {
-        CallKey key; // empty: a free slot
-        std::uint32_t locator = 0;
+    // With its key, 24 bytes: the packed locator needs 26 bits.
+    struct Entry {
         std::uint32_t learned = 0; // seconds since 1970, UTC
-        LearnedFrom from = LearnedFrom::Own;
-        bool changed = false;
+        std::uint32_t locator : 26 = 0;
+        std::uint32_t from : 3 = 0; // a LearnedFrom
+        std::uint32_t changed : 1 = 0;
+
+        LearnedFrom learnedFrom() const { return static_cast<LearnedFrom>(from); }
     };
 
     bool learnPacked(QStringView call, std::uint32_t locator, const QDateTime &when,
                      LearnedFrom from, bool changed);
-    Slot *slotFor(const CallKey &key, bool insert);
-    const Slot *findSlot(const CallKey &key) const;
-    void rehash(std::size_t capacity);
     void forgetOldest();
-    CallBookEntry entryOf(const Slot &slot) const;
+    static CallBookEntry entryOf(const CallKey &key, const Entry &entry);
 
-    std::vector<Slot> slots_; // open addressing, linear probing, a power of two
-    qsizetype size_ = 0;
+    CallKeyTable<Entry> table_;
     qsizetype maxEntries_;
     std::vector<CallKey> changed_;
 };

@@ -114,33 +114,49 @@ void CallBookLocator::learnFromSpot(const EvaluatedSpot &spot, QStringView recei
     }
 }
 
+CallBookLocator::End CallBookLocator::endOf(const CallBookEntry &entry) {
+    return End{entry.locator, Locator_Position(entry.locator), Located::CallBook,
+               locatorUncertaintyKm(entry.locator)};
+}
+
+CallBookLocator::End CallBookLocator::endOf(const CountryPosition &country) {
+    return End{LatLon_To_Locator(country.position.latitude, country.position.longitude),
+               country.position, Located::Country, country.uncertaintyKm};
+}
+
 std::optional<CallBookLocator::End> CallBookLocator::endOf(QStringView call) const {
     if (call.isEmpty() || isMaritimeOrAir(call)) {
         return std::nullopt;
     }
     if (const auto entry = book_.find(call)) {
-        return End{entry->locator, Locator_Position(entry->locator), Located::CallBook,
-                   locatorUncertaintyKm(entry->locator)};
+        return endOf(*entry);
     }
     if (const auto country = countries_.find(call)) {
-        return End{LatLon_To_Locator(country->position.latitude, country->position.longitude),
-                   country->position, Located::Country, country->uncertaintyKm};
+        return endOf(*country);
     }
     return std::nullopt;
 }
 
 std::optional<CallPosition> CallBookLocator::where(QStringView text) const {
     const QString call = normalisedCall(text);
-    const auto end = endOf(call);
-    if (!end) {
+    if (call.isEmpty() || isMaritimeOrAir(call)) {
         return std::nullopt;
     }
-    CallPosition where{
-        call, end->locator, end->position, end->how, end->uncertaintyKm, {}, LearnedFrom::Own, {}};
-    if (const auto country = countries_.find(call)) {
-        where.country = country->country;
+    const auto entry = book_.find(call);
+    const auto country = countries_.find(call);
+    if (!entry && !country) {
+        return std::nullopt;
     }
-    if (const auto entry = book_.find(call)) {
+    const End end = entry ? endOf(*entry) : endOf(*country);
+    CallPosition where{call,
+                       end.locator,
+                       end.position,
+                       end.how,
+                       end.uncertaintyKm,
+                       {},
+                       LearnedFrom::Own,
+                       country ? country->country : QString()};
+    if (entry) {
         where.learned = entry->learned;
         where.from = entry->from;
     }

@@ -83,6 +83,8 @@ private:
         double uncertaintyKm = 0;
     };
 
+    static End endOf(const CallBookEntry &entry);
+    static End endOf(const CountryPosition &country);
     std::optional<End> endOf(QStringView call) const;
     // Whether `locator` may be where `call` is: near its country's position
     // (true when the country is unknown).

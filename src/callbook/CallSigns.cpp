@@ -5,8 +5,7 @@ namespace zkr {
 namespace {
 
 // 0 is "no character", so that a shorter call never equals a longer one.
-int charCode(QChar c) {
-    const char16_t u = c.unicode();
+int charCode(char16_t u) {
     if (u >= u'0' && u <= u'9') {
         return 1 + (u - u'0');
     }
@@ -23,15 +22,13 @@ constexpr int shiftOf(int i) {
     return 58 - 6 * (i % 10);
 }
 
-} // namespace
-
-std::optional<CallKey> CallKey::pack(QStringView call) {
-    if (call.isEmpty() || call.size() > MaxLength) {
+template <typename Text> std::optional<CallKey> packText(Text call) {
+    if (call.isEmpty() || call.size() > CallKey::MaxLength) {
         return std::nullopt;
     }
     CallKey key;
     for (int i = 0; i < call.size(); ++i) {
-        const int code = charCode(call[i]);
+        const int code = charCode(static_cast<char16_t>(QChar(call[i]).unicode()));
         if (code < 0) {
             return std::nullopt;
         }
@@ -39,6 +36,16 @@ std::optional<CallKey> CallKey::pack(QStringView call) {
         word |= static_cast<std::uint64_t>(code) << shiftOf(i);
     }
     return key;
+}
+
+} // namespace
+
+std::optional<CallKey> CallKey::pack(QStringView call) {
+    return packText(call);
+}
+
+std::optional<CallKey> CallKey::pack(QLatin1StringView call) {
+    return packText(call);
 }
 
 QString CallKey::unpack() const {

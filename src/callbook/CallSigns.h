@@ -1,5 +1,6 @@
 #pragma once
 
+#include <QLatin1StringView>
 #include <QString>
 #include <QStringView>
 
@@ -22,6 +23,7 @@ struct CallKey {
     // Nothing when the text is empty, longer than MaxLength or holds any
     // other character (upper case only).
     static std::optional<CallKey> pack(QStringView call);
+    static std::optional<CallKey> pack(QLatin1StringView call);
     QString unpack() const;
     // The key of the first `length` characters.
     CallKey prefix(int length) const;

@@ -170,6 +170,9 @@ bool CountryFile::load(const QString &path) {
 
 bool CountryFile::parse(QByteArrayView text) {
     *this = CountryFile();
+    // About 1 entry in 15 characters: the maps are built without rehashing.
+    exact_.reserve(static_cast<std::size_t>(text.size() / 15));
+    prefixes_.reserve(static_cast<std::size_t>(text.size() / 40));
     const std::string_view all(text.data(), static_cast<std::size_t>(text.size()));
     std::size_t at = 0;
     while (at < all.size()) {
@@ -213,26 +216,35 @@ bool CountryFile::parse(QByteArrayView text) {
                 entry.remove_prefix(1);
             }
             const std::size_t overrides = entry.find_first_of("([<{~");
-            Target target{country, std::nullopt};
+            Target target{country, -1};
             if (overrides != std::string_view::npos) {
                 const std::size_t open = entry.find('<', overrides);
                 const std::size_t slash = entry.find('/', open);
                 const std::size_t close = entry.find('>', open);
                 if (open != std::string_view::npos && slash < close &&
                     close != std::string_view::npos) {
-                    target.position = filePosition(entry.substr(open + 1, slash - open - 1),
-                                                   entry.substr(slash + 1, close - slash - 1));
+                    const auto own = filePosition(entry.substr(open + 1, slash - open - 1),
+                                                  entry.substr(slash + 1, close - slash - 1));
+                    if (own) {
+                        target.position = static_cast<int>(positions_.size());
+                        positions_.push_back(*own);
+                    }
                 }
                 entry = entry.substr(0, overrides);
             }
-            const auto key = CallKey::pack(latin1(entry));
+            const auto key = CallKey::pack(
+                QLatin1StringView(entry.data(), static_cast<qsizetype>(entry.size())));
             if (!key) {
                 continue;
             }
+            bool inserted = false;
             if (exactCall) {
-                exact_[*key] = target;
+                exact_.insert(*key, inserted) = target;
             } else {
-                prefixes_.emplace(*key, target); // the first entity to name a prefix keeps it
+                Target &kept = prefixes_.insert(*key, inserted);
+                if (inserted) {
+                    kept = target; // the first entity to name a prefix keeps it
+                }
                 longestPrefix_ = std::max(longestPrefix_, static_cast<int>(entry.size()));
             }
         }
@@ -246,8 +258,7 @@ bool CountryFile::parse(QByteArrayView text) {
 
 const CountryFile::Target *CountryFile::exact(QStringView call) const {
     const auto key = CallKey::pack(call);
-    const auto it = key ? exact_.find(*key) : exact_.end();
-    return it == exact_.end() ? nullptr : &it->second;
+    return key ? exact_.find(*key) : nullptr;
 }
 
 const CountryFile::Target *CountryFile::longestPrefix(QStringView text) const {
@@ -257,9 +268,8 @@ const CountryFile::Target *CountryFile::longestPrefix(QStringView text) const {
     }
     for (int length = static_cast<int>(std::min<qsizetype>(text.size(), longestPrefix_));
          length > 0; --length) {
-        const auto it = prefixes_.find(key->prefix(length));
-        if (it != prefixes_.end()) {
-            return &it->second;
+        if (const Target *target = prefixes_.find(key->prefix(length))) {
+            return target;
         }
     }
     return nullptr;
@@ -267,8 +277,10 @@ const CountryFile::Target *CountryFile::longestPrefix(QStringView text) const {
 
 CountryPosition CountryFile::positionOf(const Target &target) const {
     const Country &country = countries_[static_cast<std::size_t>(target.country)];
-    return CountryPosition{country.name, country.prefix, target.position.value_or(country.position),
-                           country.uncertaintyKm};
+    const GeoPoint position = target.position < 0
+                                  ? country.position
+                                  : positions_[static_cast<std::size_t>(target.position)];
+    return CountryPosition{country.name, country.prefix, position, country.uncertaintyKm};
 }
 
 std::optional<CountryPosition> CountryFile::find(QStringView call) const {

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "CallKeyTable.h"
 #include "CallSigns.h"
 #include "Locators.h"
 
@@ -9,7 +10,6 @@
 #include <QStringView>
 
 #include <optional>
-#include <unordered_map>
 #include <vector>
 
 namespace zkr {
@@ -66,17 +66,17 @@ private:
     };
     struct Target {
         int country = 0;
-        std::optional<GeoPoint> position; // the entry's own <lat/lon>
+        int position = -1; // the entry's own <lat/lon> in positions_, or none
     };
-    using Map = std::unordered_map<CallKey, Target, CallKeyHash>;
 
     const Target *exact(QStringView call) const;
     const Target *longestPrefix(QStringView text) const;
     CountryPosition positionOf(const Target &target) const;
 
     std::vector<Country> countries_;
-    Map exact_;
-    Map prefixes_;
+    std::vector<GeoPoint> positions_;
+    CallKeyTable<Target> exact_;
+    CallKeyTable<Target> prefixes_;
     int longestPrefix_ = 0;
     QString error_;
 };

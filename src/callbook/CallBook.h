@@ -10,6 +10,7 @@
 #include <QStringView>
 
 #include <cstdint>
+#include <deque>
 #include <functional>
 #include <optional>
 #include <vector>
@@ -94,7 +95,7 @@ private:
 
     CallKeyTable<Entry> table_;
     qsizetype maxEntries_;
-    std::vector<CallKey> changed_;
+    std::deque<CallKey> changed_; // in blocks: a long list never moves at once
 };
 
 // Writes the book as CSV, sorted by call: a header line "call,locator,

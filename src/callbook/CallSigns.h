@@ -34,10 +34,15 @@ struct CallKey {
 
 struct CallKeyHash {
     std::size_t operator()(const CallKey &key) const noexcept {
-        // Two multiply-and-fold rounds: enough for keys that share prefixes.
-        std::uint64_t h = key.hi * 0x9E3779B97F4A7C15ULL ^ key.lo;
-        h *= 0xBF58476D1CE4E5B9ULL;
-        return static_cast<std::size_t>(h ^ (h >> 31));
+        // The characters sit in the top bits and tables index by the low
+        // ones: the finaliser of MurmurHash3 folds the one into the other.
+        std::uint64_t h = key.hi ^ (key.lo * 0x9E3779B97F4A7C15ULL);
+        h ^= h >> 33;
+        h *= 0xFF51AFD7ED558CCDULL;
+        h ^= h >> 33;
+        h *= 0xC4CEB9FE1A85EC53ULL;
+        h ^= h >> 33;
+        return static_cast<std::size_t>(h);
     }
 };
 

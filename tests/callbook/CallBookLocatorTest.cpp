@@ -35,6 +35,7 @@ TEST(CallBookLocator, GivesApproximatePathsOnlyWithinTheLimitAndNeverChangesWhat
     report.rx = {"EA5ABC", "IM99"};
     locator.learn(report);
     locator.learnOwn(QString("EA7XYZ"), QString("IM76QM"), when);
+    locator.book().learn(QString("OK1ABC"), QString("JO70"), when, LearnedFrom::Wsjtx);
 
     SpotPipeline plain, located;
     for (SpotPipeline *pipeline : {&plain, &located}) {
@@ -56,6 +57,7 @@ TEST(CallBookLocator, GivesApproximatePathsOnlyWithinTheLimitAndNeverChangesWhat
         {line("SP9XYZ", "50110.0", "EA5ABC", "tnx qso"), Located::CallBook, Located::CallBook,
          "IM99"},
         {line("SP9XYZ", "432200.0", "EA5ABC", "tnx qso"), None, None}, // no Es band
+        {line("SP9XYZ", "50110.0", "OK1ABC", "tnx qso"), None, None},  // not one Es hop
         {line("SP9XYZ", "50110.0", "EA5ABC", "MS"), None, None},
         {line("SP9XYZ", "50110.0", "EA5ABC/P", "tnx"), None, None}, // Spain: too large
         {line("SP9XYZ", "50110.0", "EA5ABC/MM", "tnx"), None, None},

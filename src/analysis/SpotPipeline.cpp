@@ -19,6 +19,9 @@ void SpotPipeline::evaluateClusterLine(const QString &line, bool utf8) {
     EvaluatedSpot spot = evaluator_.evaluateClusterLine(line, utf8);
     if (isClusterSpot(spot)) {
         spot.received = clock_();
+        if (locator_ != nullptr) {
+            locator_->locate(spot, line, evaluator_.settings());
+        }
         Q_EMIT spotEvaluated(spot);
     }
 }
@@ -39,6 +42,9 @@ void SpotPipeline::evaluatePageLines(const QStringList &pageLines, qsizetype fro
     for (qsizetype i = from; i < to; ++i) {
         EvaluatedSpot spot = evaluator_.evaluateWebLine(pageLines.at(i));
         spot.received = pageReceived_;
+        if (locator_ != nullptr) {
+            locator_->locate(spot, pageLines.at(i), evaluator_.settings());
+        }
         if (spot.esResultPrinted) {
             panesWithEs_ |= spot.panes;
         }

@@ -11,6 +11,18 @@
 
 namespace zkr {
 
+// A stage every evaluated spot passes before it is emitted: it may learn from
+// the spot and give it an approximate path (see src/callbook). It must
+// leave the printed line, the runs and `es` alone.
+class SpotLocator {
+public:
+    virtual ~SpotLocator() = default;
+    // `received` is the line as it came (a cluster line before it is cut to
+    // 75 characters, or the page line).
+    virtual void locate(EvaluatedSpot &spot, QStringView received,
+                        const AnalysisSettings &settings) = 0;
+};
+
 // The one road of a spot: a line goes in, an evaluated spot comes out to
 // every subscriber (panes, console, headless output, alerts, history).
 class SpotPipeline : public QObject {
@@ -23,6 +35,9 @@ public:
     // Where the received time of each spot comes from (UTC); the system
     // clock unless a test or a replay sets another.
     void setClock(std::function<QDateTime()> clock);
+    // The stage for spots whose comment does not locate both ends; none by
+    // default. Not owned: it must stay alive while it is set.
+    void setLocator(SpotLocator *locator) { locator_ = locator; }
 
     // Whether an evaluated cluster line is a spot: a "DX de " line without a
     // positive frequency is a notice.
@@ -48,6 +63,7 @@ Q_SIGNALS:
 private:
     SpotEvaluator evaluator_;
     std::function<QDateTime()> clock_;
+    SpotLocator *locator_ = nullptr;
     QDateTime pageReceived_;
     unsigned panesWithEs_ = 0;
 };

@@ -149,6 +149,31 @@ void appendNumberField(QByteArray &out, const char *name, double value, int deci
     appendNumber(out, value, decimals);
 }
 
+// The path's fields after an opening "{", without the closing one.
+void appendEsFields(QByteArray &out, const EsPath &es) {
+    out += "{\"cloud\":";
+    appendJsonString(out, es.cloud);
+    appendNumberField(out, "muf_mhz", es.muf, 1);
+    appendNumberField(out, "critical_mhz", es.critical, 1);
+    appendNumberField(out, "own_muf_mhz", es.ownMuf, 1);
+    appendNumberField(out, "azimuth", es.azimuth, 1);
+    appendNumberField(out, "elevation", es.elevation, 1);
+    appendField(out, "far", es.far);
+    appendNumberField(out, "path_km", es.pathKm, 0);
+    appendNumberField(out, "own_km", es.ownKm, 0);
+}
+
+// One end of an approximate path: where it was put and how it was found.
+void appendEnd(QByteArray &out, const char *name, QStringView locator, Located how) {
+    out += ",\"";
+    out += name;
+    out += "\":{\"locator\":";
+    appendJsonString(out, locator);
+    out += how == Located::CallBook  ? ",\"located\":\"callbook\"}"
+           : how == Located::Country ? ",\"located\":\"country\"}"
+                                     : ",\"located\":\"comment\"}";
+}
+
 } // namespace
 
 void Write_SpotJson(QByteArray &out, const EvaluatedSpot &spot) {
@@ -174,20 +199,19 @@ void Write_SpotJson(QByteArray &out, const EvaluatedSpot &spot) {
     }
     out += "],\"es\":";
     if (spot.es) {
-        const EsPath &es = *spot.es;
-        out += "{\"cloud\":";
-        appendJsonString(out, es.cloud);
-        appendNumberField(out, "muf_mhz", es.muf, 1);
-        appendNumberField(out, "critical_mhz", es.critical, 1);
-        appendNumberField(out, "own_muf_mhz", es.ownMuf, 1);
-        appendNumberField(out, "azimuth", es.azimuth, 1);
-        appendNumberField(out, "elevation", es.elevation, 1);
-        appendField(out, "far", es.far);
-        appendNumberField(out, "path_km", es.pathKm, 0);
-        appendNumberField(out, "own_km", es.ownKm, 0);
+        appendEsFields(out, *spot.es);
         out += '}';
     } else {
         out += "null";
+    }
+    if (spot.approximate) {
+        const ApproximatePath &path = *spot.approximate;
+        out += ",\"approximate\":true,\"approximate_path\":";
+        appendEsFields(out, path.es);
+        appendNumberField(out, "uncertainty_km", path.uncertaintyKm, 0);
+        appendEnd(out, "spotter", path.spotterLocator, path.spotter);
+        appendEnd(out, "dx", path.dxLocator, path.dx);
+        out += '}';
     }
     out += ",\"panes\":[";
     first = true;

@@ -29,8 +29,11 @@ void Write_PanesJson(QIODevice &out, const std::array<MemoryPane, 4> &panes,
 // Appends one evaluated spot as a JSON object on one line (no line end):
 // time, spotter, frequency_mhz, dx, comment, mode, locators, es (null or
 // cloud, muf_mhz, critical_mhz, own_muf_mhz, azimuth, elevation, far,
-// path_km, own_km), panes, runs ([text, "#RRGGBB"] pairs without the line
-// end) and, when the evaluation stopped early, error. UTF-8.
+// path_km, own_km), for a spot located through the call book or the
+// country file "approximate": true and approximate_path (the fields of es,
+// uncertainty_km, and spotter and dx as {locator, located: "comment",
+// "callbook" or "country"}), panes, runs ([text, "#RRGGBB"] pairs without
+// the line end) and, when the evaluation stopped early, error. UTF-8.
 void Write_SpotJson(QByteArray &out, const EvaluatedSpot &spot);
 
 } // namespace zkr

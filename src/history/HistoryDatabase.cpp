@@ -1,5 +1,7 @@
 #include "HistoryDatabase.h"
 
+#include "CallBook.h"
+
 #include <QCryptographicHash>
 #include <QDir>
 #include <QFileInfo>
@@ -110,6 +112,11 @@ bool decodeRuns(const QString &line, const QString &stored, const QByteArray &co
     return offset == text.size();
 }
 
+// The call book's table: one row a call, the call itself the key.
+const QString CallBookTable = QStringLiteral(
+    "CREATE TABLE IF NOT EXISTS callbook (call TEXT PRIMARY KEY, locator TEXT NOT NULL, "
+    "learned INTEGER NOT NULL, source TEXT NOT NULL) WITHOUT ROWID");
+
 QVariant optionalText(const std::optional<EsPath> &es, QString EsPath::*field) {
     return es ? QVariant((*es).*field) : QVariant();
 }
@@ -132,6 +139,7 @@ bool HistoryDatabase::isOpen() const {
 
 void HistoryDatabase::close() {
     insert_.reset();
+    writeCallBook_.reset();
     if (QSqlDatabase::contains(connection_)) {
         {
             QSqlDatabase db = database(connection_);
@@ -230,6 +238,7 @@ bool HistoryDatabase::open(const QString &path, Access access) {
             exec(QStringLiteral("CREATE UNIQUE INDEX IF NOT EXISTS spot_repeat ON spot "
                                 "(spot_minute, line_key)")) &&
             exec(QStringLiteral("CREATE INDEX IF NOT EXISTS spot_received ON spot (received)")) &&
+            exec(CallBookTable) &&
             exec(QStringLiteral("PRAGMA application_id=%1").arg(ApplicationId)) &&
             exec(QStringLiteral("PRAGMA user_version=%1").arg(SchemaVersion)) && commit();
         if (!created) {
@@ -405,6 +414,77 @@ QString HistoryDatabase::integrityCheck() {
         found.append(query.value(0).toString());
     }
     return found.join(QLatin1Char('\n'));
+}
+
+bool HistoryDatabase::writeCallBook(const QList<CallBookEntry> &entries) {
+    if (writeCallBook_ == nullptr) {
+        writeCallBook_ = std::make_unique<QSqlQuery>(database(connection_));
+        if (!writeCallBook_->prepare(
+                QStringLiteral("INSERT OR REPLACE INTO callbook (call, "
+                               "locator, learned, source) VALUES (?,?,?,?)"))) {
+            error_ = writeCallBook_->lastError().text();
+            writeCallBook_.reset();
+            return false;
+        }
+    }
+    QSqlQuery &query = *writeCallBook_;
+    for (const CallBookEntry &entry : entries) {
+        query.bindValue(0, entry.call);
+        query.bindValue(1, entry.locator);
+        query.bindValue(2, entry.learned.toSecsSinceEpoch());
+        query.bindValue(3, learnedFromName(entry.from).toString());
+        if (!query.exec()) {
+            error_ = query.lastError().text();
+            return false;
+        }
+    }
+    return true;
+}
+
+bool HistoryDatabase::readCallBook(const std::function<bool(const CallBookEntry &)> &visit) {
+    QSqlQuery query(database(connection_));
+    query.setForwardOnly(true);
+    if (!query.exec(QStringLiteral("SELECT count(*) FROM sqlite_master WHERE name = 'callbook'")) ||
+        !query.next()) {
+        error_ = query.lastError().text();
+        return false;
+    }
+    if (query.value(0).toInt() == 0) {
+        return true;
+    }
+    if (!query.exec(QStringLiteral("SELECT call, locator, learned, source FROM callbook"))) {
+        error_ = query.lastError().text();
+        return false;
+    }
+    while (query.next()) {
+        const auto from = learnedFromName(query.value(3).toString());
+        if (!from) {
+            continue; // from a source this version does not know
+        }
+        const CallBookEntry entry{
+            query.value(0).toString(), query.value(1).toString(),
+            QDateTime::fromSecsSinceEpoch(query.value(2).toLongLong(), Qt::UTC), *from};
+        if (!visit(entry)) {
+            break;
+        }
+    }
+    if (query.lastError().isValid()) {
+        error_ = query.lastError().text();
+        return false;
+    }
+    return true;
+}
+
+qint64 HistoryDatabase::pruneCallBook(qint64 keep) {
+    QSqlQuery query(database(connection_));
+    query.prepare(QStringLiteral("DELETE FROM callbook WHERE call IN (SELECT call FROM callbook "
+                                 "ORDER BY learned DESC LIMIT -1 OFFSET ?)"));
+    query.addBindValue(std::max<qint64>(keep, 0));
+    if (!query.exec()) {
+        error_ = query.lastError().text();
+        return -1;
+    }
+    return query.numRowsAffected();
 }
 
 } // namespace zkr

@@ -12,6 +12,8 @@ class QSqlQuery;
 
 namespace zkr {
 
+struct CallBookEntry;
+
 // The spot history file: one SQLite connection, used by one thread only.
 // Rows hold the spot's line, its source ("web", "file" or the cluster's
 // name), when it came, its fields, the Es results and the printed runs, so
@@ -56,6 +58,16 @@ public:
     // "ok", or what SQLite found wrong.
     QString integrityCheck();
 
+    // The call book (src/callbook), in a table of its own: each entry
+    // replaces the call's stored one. Call within begin/commit for many.
+    bool writeCallBook(const QList<CallBookEntry> &entries);
+    // Every stored entry, in no particular order; `visit` returns false to
+    // stop. A file written before the table existed has none.
+    bool readCallBook(const std::function<bool(const CallBookEntry &)> &visit);
+    // Keeps the `keep` most recently learned entries; the number deleted,
+    // or -1 on failure.
+    qint64 pruneCallBook(qint64 keep);
+
 private:
     bool exec(const QString &sql);
     bool fail(Failure failure, const QString &what);
@@ -63,6 +75,7 @@ private:
     QString connection_;
     std::unique_ptr<QLockFile> lock_;
     std::unique_ptr<QSqlQuery> insert_;
+    std::unique_ptr<QSqlQuery> writeCallBook_;
     Failure failure_ = Failure::None;
     QString error_;
 };

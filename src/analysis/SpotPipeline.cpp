@@ -15,10 +15,11 @@ void SpotPipeline::setSettings(AnalysisSettings settings) {
     evaluator_.setSettings(std::move(settings));
 }
 
-void SpotPipeline::evaluateClusterLine(const QString &line, bool utf8) {
+void SpotPipeline::evaluateClusterLine(const QString &line, bool utf8, SpotSource source) {
     EvaluatedSpot spot = evaluator_.evaluateClusterLine(line, utf8);
     if (isClusterSpot(spot)) {
         spot.received = clock_();
+        spot.source = source;
         if (locator_ != nullptr) {
             locator_->locate(spot, line, evaluator_.settings());
         }
@@ -42,6 +43,7 @@ void SpotPipeline::evaluatePageLines(const QStringList &pageLines, qsizetype fro
     for (qsizetype i = from; i < to; ++i) {
         EvaluatedSpot spot = evaluator_.evaluateWebLine(pageLines.at(i));
         spot.received = pageReceived_;
+        spot.source = SpotSource::Web;
         if (locator_ != nullptr) {
             locator_->locate(spot, pageLines.at(i), evaluator_.settings());
         }

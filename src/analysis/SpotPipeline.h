@@ -44,8 +44,9 @@ public:
     static bool isClusterSpot(const EvaluatedSpot &spot) { return spot.frequency > 0; }
 
     // Evaluates a cluster or file line (`utf8`: it came as UTF-8) and emits
-    // spotEvaluated when it is a spot.
-    void evaluateClusterLine(const QString &line, bool utf8 = false);
+    // spotEvaluated when it is a spot. Page lines are the web's.
+    void evaluateClusterLine(const QString &line, bool utf8 = false,
+                             SpotSource source = SpotSource::Cluster);
     // Evaluates the lines of one web spot page: pageStarted, a spotEvaluated
     // for every line, then pageFinished with the panes that got Es results.
     void evaluatePage(const QStringList &pageLines);

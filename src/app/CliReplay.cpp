@@ -60,7 +60,10 @@ CliReplay::CliReplay(const CliOptions &options, QFileDevice *spotsOut)
 CliReplay::~CliReplay() = default;
 
 void CliReplay::connectFeed(ClusterFeed &feed) {
-    connect(&feed, &ClusterFeed::spotLine, &pipeline_, &SpotPipeline::evaluateClusterLine);
+    const SpotSource source = &feed == &feed_ ? SpotSource::File : SpotSource::Cluster;
+    connect(&feed, &ClusterFeed::spotLine, &pipeline_, [this, source](const QString &line, bool utf8) {
+        pipeline_.evaluateClusterLine(line, utf8, source);
+    });
     connect(&feed, &ClusterFeed::promptBlock, this, [this](const QString &block) {
         writer_.writePrompt(block);
         refreshDisplay();

@@ -108,10 +108,11 @@ SpotSources::~SpotSources() {
 
 void SpotSources::connectFeed(ClusterFeed &feed) {
     connect(&feed, &ClusterFeed::spotLine, this, [this, &feed](const QString &line, bool utf8) {
-        currentSource_ = &feed == &fileFeed_            ? QStringLiteral("file")
+        const bool file = &feed == &fileFeed_;
+        currentSource_ = file                           ? QStringLiteral("file")
                          : state_.Telnet_Call.isEmpty() ? state_.Telnet_Host
                                                         : state_.Telnet_Call;
-        onSpotLine(line, utf8);
+        onSpotLine(line, utf8, file ? SpotSource::File : SpotSource::Cluster);
     });
     connect(&feed, &ClusterFeed::promptBlock, this, &SpotSources::onPrompt);
 }
@@ -226,12 +227,12 @@ void SpotSources::record(const QString &chunk) {
 
 // --- The road of a spot ---
 
-void SpotSources::onSpotLine(const QString &line, bool utf8) {
+void SpotSources::onSpotLine(const QString &line, bool utf8, SpotSource source) {
     recentLines_.push_back({line, utf8});
     if (recentLines_.size() > MaxSpotLines) {
         recentLines_.pop_front();
     }
-    pipeline_.evaluateClusterLine(line, utf8);
+    pipeline_.evaluateClusterLine(line, utf8, source);
 }
 
 void SpotSources::onSpot(const EvaluatedSpot &spot) {

@@ -88,7 +88,7 @@ public:
     void runStartup() override;
 
 private:
-    void onSpotLine(const QString &line, bool utf8);
+    void onSpotLine(const QString &line, bool utf8, SpotSource source);
     void onSpot(const EvaluatedSpot &spot);
     void showSpot(const EvaluatedSpot &spot);
     void showRestored(const QList<EvaluatedSpot> &spots);

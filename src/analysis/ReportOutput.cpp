@@ -37,7 +37,8 @@ QList<TextRun> Report_Runs(const Reception &report) {
         line += QString::number(static_cast<long long>(report.es->pathKm + 0.5)).rightJustified(6) +
                 QStringLiteral(" km");
     }
-    line += QLatin1Char(' ') + QString(reportSourceName(report.source));
+    // A blank before the fields, which may begin with "Es? ".
+    line += QLatin1Char(' ') + QString(reportSourceName(report.source)) + QLatin1Char(' ');
     spot.runs.append(TextRun{line, Color_Black});
     if (spot.es) {
         try {

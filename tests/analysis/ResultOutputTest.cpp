@@ -104,7 +104,7 @@ TEST(ReportRuns, LineThenTheSpotFields) {
         const QString km = c.es ? QString::number(qRound(c.es->pathKm)).rightJustified(6) + " km"
                                 : QString();
         EXPECT_EQ(runs.front(), (TextRun{"1830Z   50.3142 FT8  -12 EA7ABC     IM76   > DL1ABC     "
-                                         "JO62QM" + km + " pskreporter", K}));
+                                         "JO62QM" + km + " pskreporter ", K}));
         Runs fields;
         for (const QString &run : QString(c.runs).split('|', Qt::SkipEmptyParts)) {
             fields.append({run.mid(1), run[0] == 'm' ? M : run[0] == 'g' ? G : K});

@@ -96,7 +96,8 @@ void CliReplay::onSpot(const EvaluatedSpot &spot) {
         messages_.append(spot.error);
     }
     if (spotsOut_ != nullptr && !options_.watch) {
-        QByteArray line;
+        QByteArray &line = line_;
+        line.truncate(0); // its room is kept for the next
         Write_SpotJson(line, spot);
         line += '\n';
         spotsOut_->write(line);
@@ -124,7 +125,8 @@ void CliReplay::takeReport(const Reception &report) {
     if (watch_ != nullptr) {
         watch_->addReport(report);
     } else if (spotsOut_ != nullptr) {
-        QByteArray line;
+        QByteArray &line = line_;
+        line.truncate(0);
         Write_ReportJson(line, report);
         line += '\n';
         spotsOut_->write(line);

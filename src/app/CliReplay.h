@@ -85,6 +85,7 @@ private:
     CallBookLocator callBook_;
     bool learning_ = false;
     bool live_ = false;
+    QByteArray line_; // the JSON line being written
 };
 
 } // namespace zkr

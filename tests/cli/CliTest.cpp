@@ -81,8 +81,7 @@ protected:
         file.write(content);
         return path;
     }
-    // The own history and country file of a run, so that none of the
-    // machine's own decides what the tool prints.
+    // A history and country file of the test's own, not the machine's.
     QStringList files() {
         return {"--db", folder.filePath("none"), "--cty", write(CountryExcerpt, "cty")};
     }
@@ -321,8 +320,8 @@ TEST_F(CliTest, WatchPrintsOneLinePerLevelReached) {
 }
 
 // OH1XYZ's CQ from KP20, heard at JO62QM, is the hand-worked 6 m path of
-// the spot tests; W1AW's cloud is far beyond the distance limit. Lines
-// start as given.
+// the spot tests; W1AW's cloud is far beyond the distance limit. Each line
+// holds what is given.
 TEST_F(CliTest, ReportLinesOfADecodeLog) {
     const QString log = write("240601_171200    50.149 Rx FT8    -12  0.2 1000 CQ OH1XYZ KP20\n"
                               "240601_171215    50.149 Rx FT8      3  0.2 1000 CQ W1AW FN31\n");
@@ -339,7 +338,7 @@ TEST_F(CliTest, ReportLinesOfADecodeLog) {
     } cases[] = {
         {{"--jsonl"}, {oh1xyz}},
         {{"--jsonl", "--all-reports"},
-         {oh1xyz, R"({"source":"alltxt","time":"2024-06-01T17:12:15Z")"}},
+         {oh1xyz, R"("elevation":-12.1,"far":"FN31LL","path_km":6262,"own_km":3131})"}},
         {{"--callbook-csv", csv},
          {"== Reports ==",
           "1712Z   50.1500 FT8  -12 OH1XYZ     KP20   > DL1ABC     JO62QM  1131 km alltxt    "
@@ -353,7 +352,7 @@ TEST_F(CliTest, ReportLinesOfADecodeLog) {
         const QStringList lines = r.out.split('\n', Qt::SkipEmptyParts);
         ASSERT_EQ(lines.size(), c.lines.size()) << r.out.toStdString();
         for (qsizetype i = 0; i < lines.size(); ++i) {
-            EXPECT_TRUE(lines[i].startsWith(c.lines[i])) << lines[i].toStdString();
+            EXPECT_TRUE(lines[i].contains(c.lines[i])) << lines[i].toStdString();
         }
     }
     // The book as it stands at the end: what the log taught, and the own call.
@@ -362,7 +361,8 @@ TEST_F(CliTest, ReportLinesOfADecodeLog) {
     const QStringList rows = QString(book.readAll()).split('\n', Qt::SkipEmptyParts);
     EXPECT_EQ(rows.mid(2), (QStringList{"OH1XYZ,KP20,2024-06-01T17:12:00Z,alltxt",
                                         "W1AW,FN31,2024-06-01T17:12:15Z,alltxt"}));
-    EXPECT_TRUE(rows.value(1).startsWith("DL1ABC,JO62QM,")) << rows.join('|').toStdString();
+    EXPECT_TRUE(rows.value(1).startsWith("DL1ABC,JO62QM,") && rows.value(1).endsWith(",own"))
+        << rows.join('|').toStdString();
 }
 
 // What the decode log cannot show: a report without a path, SNR or call.
@@ -370,14 +370,14 @@ TEST(ReportJson, UnknownFieldsAreNull) {
     zkr::Reception report;
     report.source = zkr::ReportSource::PskReporter;
     report.time = QDateTime(QDate(2024, 6, 1), QTime(17, 12, 5), Qt::UTC);
-    report.frequencyMhz = 144.1740004;
+    report.frequencyMhz = 50.0400004;
     report.mode = "FT8";
     report.tx = {"I5ABC", ""};
     report.rx = {"", "JO62QM"};
     QByteArray line;
     zkr::Write_ReportJson(line, report);
     EXPECT_EQ(line, R"({"source":"pskreporter","time":"2024-06-01T17:12:05Z",)"
-                    R"("frequency_mhz":144.174,"mode":"FT8","snr":null,"tx":{"call":"I5ABC",)"
+                    R"("frequency_mhz":50.04,"mode":"FT8","snr":null,"tx":{"call":"I5ABC",)"
                     R"("locator":null},"rx":{"call":null,"locator":"JO62QM"},"es":null})");
 }
 
@@ -385,13 +385,11 @@ TEST(ReportJson, UnknownFieldsAreNull) {
 // alone writes the stored book.
 TEST_F(CliTest, WhereAndTheStoredCallBook) {
     const QString db = folder.filePath("history.sqlite");
-    {
-        zkr::HistoryDatabase history;
-        ASSERT_TRUE(history.open(db, zkr::HistoryDatabase::Access::Writer));
-        ASSERT_TRUE(history.writeCallBook(
-            {{"DL1ABC", "JO62QM", QDateTime(QDate(2024, 6, 1), QTime(14, 0), Qt::UTC),
-              zkr::LearnedFrom::Wsjtx}}));
-    }
+    zkr::HistoryDatabase history; // open beside the tool, as the program's would be
+    ASSERT_TRUE(history.open(db, zkr::HistoryDatabase::Access::Writer));
+    ASSERT_TRUE(history.writeCallBook(
+        {{"DL1ABC", "JO62QM", QDateTime(QDate(2024, 6, 1), QTime(14, 0), Qt::UTC),
+          zkr::LearnedFrom::Wsjtx}}));
     const struct {
         QStringList arguments;
         int exitCode;
@@ -426,8 +424,8 @@ TEST_F(CliTest, LiveWsjtxDecodesAreHeardAtTheOwnStation) {
     QString status;
     ASSERT_TRUE(
         zkr::test::waitFor([&] { return (status += tool.readAllStandardError()).endsWith('\n'); }));
+    ASSERT_TRUE(status.startsWith("WSJT-X: listening on 127.0.0.1 port ")) << status.toStdString();
     const quint16 port = status.section(' ', -1).trimmed().toUShort();
-    ASSERT_EQ(status, QString("WSJT-X: listening on 127.0.0.1 port %1\n").arg(port));
     QUdpSocket wsjtx;
     wsjtx.writeDatagram(zkr::test::status("A", 50149000, "", ""), QHostAddress::LocalHost, port);
     wsjtx.writeDatagram(zkr::test::decode("A", QTime(17, 12), -12, 1000, "CQ OH1XYZ KP20"),
@@ -467,12 +465,11 @@ TEST_F(CliTest, LivePskReporterKeepsTheBandsAndTheNearReports) {
     ASSERT_TRUE(zkr::test::waitFor([&] { return tool.canReadLine(); }));
     tool.terminate();
     ASSERT_TRUE(tool.waitForFinished());
-    const QStringList lines = QString(tool.readAllStandardOutput()).split('\n', Qt::SkipEmptyParts);
-    ASSERT_EQ(lines.size(), 1);
-    EXPECT_TRUE(lines[0].startsWith(R"({"source":"pskreporter","time":"2024-06-01T17:12:00Z",)"
-                                    R"("frequency_mhz":144.174,"mode":"FT8","snr":-7,)"
-                                    R"("tx":{"call":"I5ABC","locator":"JN53"})"))
-        << lines[0].toStdString();
+    const QString out = tool.readAllStandardOutput();
+    EXPECT_EQ(out.count('\n'), 1) << out.toStdString();
+    EXPECT_TRUE(out.startsWith(R"({"source":"pskreporter","time":"2024-06-01T17:12:00Z",)"
+                               R"("frequency_mhz":144.174,"mode":"FT8","snr":-7,)"
+                               R"("tx":{"call":"I5ABC","locator":"JN53"})"));
 }
 
 TEST_F(CliTest, OwnSquareAloneIsItsCentre) {

@@ -2,7 +2,6 @@
 
 #include "HistoryCsv.h"
 #include "Locators.h"
-
 #include "PskReporterSettings.h"
 
 #include <QCommandLineParser>
@@ -46,9 +45,10 @@ QString cliUsage() {
         "  --alltxt FILE        replay the decode log ALL.TXT of WSJT-X or JTDX (\"-\" for\n"
         "                       standard input), heard at the own station\n"
         "  --pskreporter HOST[:PORT]\n"
-        "                       take PSK Reporter's live MQTT feed from this broker (the\n"
-        "                       public one is mqtt.pskreporter.info:1883; PORT 1883 unless\n"
-        "                       given) until --seconds have passed or SIGINT/SIGTERM\n"
+        "                       take PSK Reporter's live MQTT feed from this broker\n"
+        "                       (the public one is mqtt.pskreporter.info:1883; PORT\n"
+        "                       1883 unless given) until --seconds have passed or\n"
+        "                       SIGINT/SIGTERM\n"
         "  --bands LIST         with --pskreporter: PSK Reporter's band names, e.g.\n"
         "                       6m,4m,2m (the default), or all for every band\n"
         "  --all-reports        keep every report, also those without a path or whose\n"
@@ -108,10 +108,6 @@ std::variant<CliOptions, QString> parseExport(const QString &from, const QString
     options.databasePath = database;
     return options;
 }
-
-} // namespace
-
-namespace {
 
 // "HOST:PORT", or "HOST" alone for `defaultPort` (-1: the port is needed).
 // Nothing when the port is no number in [lowest, 65535] or the host is empty.

@@ -1,5 +1,6 @@
 #pragma once
 
+#include "PskReporterSettings.h"
 #include "Reception.h"
 
 #include <QDateTime>
@@ -41,7 +42,7 @@ struct CliOptions {
     std::optional<ReportSource> reports;
     QString reportHost;
     quint16 reportPort = 0;
-    QStringList bands{QStringLiteral("6m"), QStringLiteral("4m"), QStringLiteral("2m")};
+    QStringList bands = PskReporterSettings().bands;
     // Keep reports whose cloud is beyond the distance limit, or without path.
     bool allReports = false;
     // The country file; "" for the first of CountryFile::candidatePaths.

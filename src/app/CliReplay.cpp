@@ -27,7 +27,8 @@ namespace zkr {
 
 namespace {
 
-void printError(const QString &text) {
+// A live source's state, on standard error: standard output is the data's.
+void printStatus(const QString &text) {
     const QByteArray bytes = text.toUtf8() + '\n';
     std::fwrite(bytes.constData(), 1, static_cast<std::size_t>(bytes.size()), stderr);
 }
@@ -175,7 +176,7 @@ void CliReplay::startLive(std::unique_ptr<QObject> &source) {
         source.reset(listener);
         listener->setOwnStation(options_.ownCall, options_.ownLocator);
         connect(listener, &WsjtxListener::reception, this, &CliReplay::takeReport);
-        connect(listener, &WsjtxListener::statusChanged, this, &printError);
+        connect(listener, &WsjtxListener::statusChanged, this, &printStatus);
         WsjtxSettings settings;
         const bool group = QHostAddress(options_.reportHost).isMulticast();
         (group ? settings.multicastGroup : settings.address) = options_.reportHost;
@@ -191,7 +192,7 @@ void CliReplay::startLive(std::unique_ptr<QObject> &source) {
         auto state = std::make_shared<PskReporterClient::State>(PskReporterClient::State::Idle);
         connect(client, &PskReporterClient::statusChanged, this, [client, state] {
             if (std::exchange(*state, client->state()) != client->state()) {
-                printError(client->statusText());
+                printStatus(client->statusText());
             }
         });
         client->start(options_.reportHost, options_.reportPort, options_.bands, options_.ownCall,
@@ -211,7 +212,7 @@ void CliReplay::startLive(std::unique_ptr<QObject> &source) {
                 const QString line = text.trimmed();
                 if (state != std::exchange(last->first, state) && line != last->second) {
                     last->second = line;
-                    printError(line);
+                    printStatus(line);
                 }
             });
     // The node has no name but its address.

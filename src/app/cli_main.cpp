@@ -22,10 +22,13 @@
 #include <QSet>
 #include <QSocketNotifier>
 
-#include <limits>
-
+#include <algorithm>
+#include <array>
 #include <csignal>
 #include <cstdio>
+#include <functional>
+#include <limits>
+#include <span>
 #include <unistd.h>
 #include <variant>
 
@@ -152,8 +155,8 @@ int callBookCsv(const zkr::CliOptions &options) {
 }
 
 // One line per call: "DL1ABC JO62QM within 5 km, learned from wsjtx at
-// 2024-06-01T14:00:00Z (Fed. Rep. of Germany)", "EA8ABC IL18QI within 200
-// km, the position of its country Canary Islands", "W1XYZ not located".
+// 2024-06-01T14:00:00Z (Fed. Rep. of Germany)", "EA8ZZ IL28BH within 300
+// km, the position of its country Canary Islands", "W1XYZ/MM not located".
 int where(const zkr::CliOptions &options) {
     zkr::CallBookLocator locator;
     loadCountries(options, locator.countries());

@@ -1,9 +1,13 @@
 #include "PaneOutput.h"
 
+#include "Reception.h"
+
 #include <QIODevice>
 
 #include <algorithm>
 #include <cmath>
+#include <cstdint>
+#include <cstdio>
 #include <vector>
 
 namespace zkr {
@@ -128,11 +132,33 @@ void lineSegments(const PaneLine &line, std::vector<Segment> &segments) {
     }
 }
 
-// `value` rounded to `decimals` places, printed without trailing zeros.
+// `value` rounded to `decimals` places (at most 6), printed without trailing
+// zeros. In whole numbers of the last place: the general double printer
+// was the largest cost of a long log's JSON lines.
 void appendNumber(QByteArray &out, double value, int decimals) {
-    const double scale = std::pow(10.0, decimals);
-    const double rounded = std::round(value * scale) / scale;
-    out += QByteArray::number(rounded == 0 ? 0.0 : rounded, 'g', 15);
+    static constexpr std::int64_t Scales[] = {1, 10, 100, 1000, 10000, 100000, 1000000};
+    const std::int64_t scale = Scales[decimals];
+    const double scaled = std::round(value * static_cast<double>(scale));
+    if (!(std::abs(scaled) < 1e15)) { // beyond exact whole numbers (or not a number)
+        out += QByteArray::number(scaled / static_cast<double>(scale), 'g', 15);
+        return;
+    }
+    auto units = static_cast<std::int64_t>(scaled);
+    if (units < 0) {
+        out += '-';
+        units = -units;
+    }
+    out += QByteArray::number(units / scale);
+    std::int64_t fraction = units % scale;
+    if (fraction == 0) {
+        return;
+    }
+    int digits = decimals;
+    for (; fraction % 10 == 0; fraction /= 10) {
+        --digits;
+    }
+    out += '.';
+    out += QByteArray::number(fraction).rightJustified(digits, '0');
 }
 
 void appendField(QByteArray &out, const char *name, QStringView text) {
@@ -174,10 +200,75 @@ void appendEnd(QByteArray &out, const char *name, QStringView locator, Located h
                                      : ",\"located\":\"comment\"}";
 }
 
+// The text, or null for none.
+void appendTextOrNull(QByteArray &out, const QString &text) {
+    if (text.isEmpty()) {
+        out += "null";
+    } else {
+        appendJsonString(out, text);
+    }
+}
+
+// A report's station: its call and locator, null for either unknown.
+void appendStation(QByteArray &out, const char *name, const ReportStation &station) {
+    out += ",\"";
+    out += name;
+    out += "\":{\"call\":";
+    appendTextOrNull(out, station.call);
+    out += ",\"locator\":";
+    appendTextOrNull(out, station.locator);
+    out += '}';
+}
+
+// "2022-06-01T00:00:00Z", without QDateTime's formatter: a long log has a
+// million of them.
+void appendIsoTime(QByteArray &out, const QDateTime &time) {
+    const QDateTime utc = time.toUTC();
+    const QDate date = utc.date();
+    const QTime clock = utc.time();
+    char text[64];
+    const int length =
+        std::snprintf(text, sizeof text, "\"%04d-%02d-%02dT%02d:%02d:%02dZ\"", date.year(),
+                      date.month(), date.day(), clock.hour(), clock.minute(), clock.second());
+    out.append(text, length);
+}
+
 } // namespace
 
+void Write_ReportJson(QByteArray &out, const Reception &report) {
+    const QLatin1StringView source = reportSourceName(report.source);
+    out += "{\"source\":\"";
+    out.append(source.data(), source.size());
+    out += "\",\"time\":";
+    if (report.time.isValid()) {
+        appendIsoTime(out, report.time);
+    } else {
+        out += "null";
+    }
+    appendNumberField(out, "frequency_mhz", report.frequencyMhz, 6);
+    appendField(out, "mode", report.mode);
+    out += ",\"snr\":";
+    if (report.snr) {
+        out += QByteArray::number(*report.snr);
+    } else {
+        out += "null";
+    }
+    appendStation(out, "tx", report.tx);
+    appendStation(out, "rx", report.rx);
+    out += ",\"es\":";
+    if (report.es) {
+        appendEsFields(out, *report.es);
+        out += '}';
+    } else {
+        out += "null";
+    }
+    out += '}';
+}
+
 void Write_SpotJson(QByteArray &out, const EvaluatedSpot &spot) {
-    out += "{\"time\":";
+    out += spot.source == SpotSource::Web    ? "{\"source\":\"web\",\"time\":"
+           : spot.source == SpotSource::File ? "{\"source\":\"file\",\"time\":"
+                                             : "{\"source\":\"cluster\",\"time\":";
     appendJsonString(out, spot.time);
     QStringView spotter(spot.spotter);
     if (spotter.endsWith(QLatin1Char(':'))) {
@@ -243,12 +334,26 @@ void Write_SpotJson(QByteArray &out, const EvaluatedSpot &spot) {
     out += '}';
 }
 
+std::array<NamedPane, 4> spotPanes(const std::array<MemoryPane, 4> &panes) {
+    return {NamedPane{PaneNames[0], &panes[0]}, NamedPane{PaneNames[1], &panes[1]},
+            NamedPane{PaneNames[2], &panes[2]}, NamedPane{PaneNames[3], &panes[3]}};
+}
+
 void Write_PanesText(QIODevice &out, const std::array<MemoryPane, 4> &panes) {
+    Write_PanesText(out, spotPanes(panes));
+}
+
+void Write_PanesJson(QIODevice &out, const std::array<MemoryPane, 4> &panes,
+                     const QStringList &messages) {
+    Write_PanesJson(out, spotPanes(panes), messages);
+}
+
+void Write_PanesText(QIODevice &out, std::span<const NamedPane> panes) {
     ChunkedWriter writer(out);
     QByteArray &buffer = writer.buffer();
-    for (std::size_t p = 0; p < panes.size(); ++p) {
-        buffer += QByteArrayLiteral("== ") + PaneNames[p] + QByteArrayLiteral(" ==\n");
-        const MemoryPane &pane = panes[p];
+    for (const NamedPane &named : panes) {
+        buffer += QByteArrayLiteral("== ") + named.name + QByteArrayLiteral(" ==\n");
+        const MemoryPane &pane = *named.pane;
         for (std::int64_t i = 0; i < pane.lineCount(); ++i) {
             buffer += pane.line(i).text.toUtf8();
             buffer += '\n';
@@ -257,7 +362,7 @@ void Write_PanesText(QIODevice &out, const std::array<MemoryPane, 4> &panes) {
     }
 }
 
-void Write_PanesJson(QIODevice &out, const std::array<MemoryPane, 4> &panes,
+void Write_PanesJson(QIODevice &out, std::span<const NamedPane> panes,
                      const QStringList &messages) {
     ChunkedWriter writer(out);
     QByteArray &buffer = writer.buffer();
@@ -265,9 +370,9 @@ void Write_PanesJson(QIODevice &out, const std::array<MemoryPane, 4> &panes,
     buffer += "{\"panes\":[";
     for (std::size_t p = 0; p < panes.size(); ++p) {
         buffer += p > 0 ? ",{\"name\":\"" : "{\"name\":\"";
-        buffer += PaneNames[p];
+        buffer += panes[p].name;
         buffer += "\",\"lines\":[";
-        const MemoryPane &pane = panes[p];
+        const MemoryPane &pane = *panes[p].pane;
         for (std::int64_t i = 0; i < pane.lineCount(); ++i) {
             const PaneLine &line = pane.line(i);
             buffer += i > 0 ? ",\n[" : "\n[";

@@ -1,8 +1,13 @@
+#include "CallBook.h"
+#include "CountryExcerpt.h"
 #include "HistoryDatabase.h"
 #include "HistorySpots.h"
 #include "LocalClusterServer.h"
+#include "PaneOutput.h"
+#include "PskReporterBroker.h"
 #include "QtPrinters.h"
 #include "WaitFor.h"
+#include "WsjtxDatagrams.h"
 
 #include <QFile>
 #include <QJsonArray>
@@ -11,6 +16,7 @@
 #include <QProcess>
 #include <QTemporaryDir>
 #include <QTest>
+#include <QUdpSocket>
 
 #include <gtest/gtest.h>
 
@@ -68,12 +74,16 @@ Result runCli(const QStringList &arguments, const QByteArray &input = {}) {
 
 class CliTest : public ::testing::Test {
 protected:
-    QString write(const QByteArray &content) {
-        const QString path = folder.filePath("input.txt");
+    QString write(const QByteArray &content, const QString &name = "input.txt") {
+        const QString path = folder.filePath(name);
         QFile file(path);
         EXPECT_TRUE(file.open(QIODevice::WriteOnly));
         file.write(content);
         return path;
+    }
+    // A history and country file of the test's own, not the machine's.
+    QStringList files() {
+        return {"--db", folder.filePath("none"), "--cty", write(CountryExcerpt, "cty")};
     }
     QTemporaryDir folder;
 };
@@ -117,8 +127,8 @@ class CliPanes : public CliTest, public ::testing::WithParamInterface<PaneCase> 
 
 TEST_P(CliPanes, PrintEachPaneNewestFirst) {
     const PaneCase &c = GetParam();
-    const Result r =
-        runCli(QStringList{"--locator", "jo62qm"} + c.options + QStringList{write(c.input)});
+    const Result r = runCli(QStringList{"--locator", "jo62qm"} + c.options + files() +
+                            QStringList{write(c.input)});
     EXPECT_EQ(r.exitCode, 0);
     EXPECT_EQ(r.err, "");
     QString expected;
@@ -215,6 +225,9 @@ TEST_F(CliTest, JsonLinesGiveEverySpotAsItsOwnObject) {
         spots.append(QJsonDocument::fromJson(line.toUtf8(), &error).object());
         ASSERT_EQ(error.error, QJsonParseError::NoError) << line.toStdString();
     }
+    EXPECT_EQ(spots[0].value("source"), "file");
+    EXPECT_TRUE(runCli({"--jsonl", "--web", "--locator", "JO62QM", write(webPage({Web6mRow}))})
+                    .out.startsWith(R"({"source":"web","time":"1712")"));
     EXPECT_EQ(spots[0].value("dx"), "EA7KW");
     EXPECT_EQ(spots[0].value("es"), QJsonValue::Null);
     EXPECT_EQ(spots[0].value("panes").toArray(), QJsonArray{"All"});
@@ -250,7 +263,8 @@ TEST_F(CliTest, LiveClusterUntilTheTimeIsUpOrATermSignal) {
         QProcess tool;
         QStringList arguments{"--locator", "JO62QM",    "--call",
                               "DL1ABC",    "--cluster", QString("127.0.0.1:%1").arg(node.port())};
-        arguments += bySignal ? QStringList{} : QStringList{"--seconds", "3", "--jsonl"};
+        arguments +=
+            (bySignal ? QStringList{} : QStringList{"--seconds", "3", "--jsonl"}) + files();
         tool.start(QStringLiteral(ZKR_MUF_CLI), arguments);
         ASSERT_TRUE(zkr::test::waitFor([&] { return node.logins() == QStringList{"DL1ABC"}; }));
         node.send(
@@ -269,7 +283,7 @@ TEST_F(CliTest, LiveClusterUntilTheTimeIsUpOrATermSignal) {
             EXPECT_TRUE(out.startsWith("== All ==\n")) << out.toStdString();
             EXPECT_TRUE(out.contains(Es6m)) << out.toStdString();
         } else {
-            EXPECT_TRUE(out.startsWith("{\"time\":\"1712\",\"spotter\":\"SP9HWY\""))
+            EXPECT_TRUE(out.startsWith(R"({"source":"cluster","time":"1712","spotter":"SP9HWY")"))
                 << out.toStdString();
             EXPECT_EQ(out.count('\n'), 1);
         }
@@ -280,22 +294,182 @@ TEST_F(CliTest, LiveClusterUntilTheTimeIsUpOrATermSignal) {
 // no panes; the bands chosen decide which levels count.
 TEST_F(CliTest, WatchPrintsOneLinePerLevelReached) {
     const QString session = write(Session);
+    // A decode at the own station over one Es hop confirms its band alone.
+    const QString log =
+        write("240601_171200   144.174 Rx FT8    -12  0.2 1000 CQ I5ABC JN53\n", "ALL.TXT");
     const struct {
-        QStringList bands;
+        QStringList arguments;
         QStringList lines;
     } cases[] = {
-        {{}, {"1713Z rising via JN26 FOT=116MHz AZ=232 EL=9 -> IN93"}}, // 2 m is not open
-        {{"--watch-bands", "50"},
+        {{session}, {"1713Z rising via JN26 FOT=116MHz AZ=232 EL=9 -> IN93"}}, // 2 m is not open
+        {{"--watch-bands", "50", session},
          {"1712Z 6 m open via JO96 FOT=62MHz AZ=34 EL=3 -> KP52",
           "1712Z 6 m confirmed via JO96 FOT=62MHz AZ=34 EL=3 -> KP52",
           "1713Z 6 m open via JN26 FOT=116MHz AZ=232 EL=9 -> IN93"}},
+        {{"--alltxt", log},
+         {"1712Z rising via JN56 FOT=144MHz AZ=174 EL=15 -> JN53",
+          "1712Z 2 m open via JN56 FOT=144MHz AZ=174 EL=15 -> JN53",
+          "1712Z confirmed via JN56 FOT=144MHz AZ=174 EL=15 -> JN53"}},
     };
     for (const auto &c : cases) {
         const Result r =
-            runCli(QStringList{"--locator", "JO50AA", "--watch"} + c.bands + QStringList{session});
+            runCli(QStringList{"--locator", "JO50AA", "--watch"} + files() + c.arguments);
         EXPECT_EQ(r.exitCode, 0);
         EXPECT_EQ(r.out.split('\n', Qt::SkipEmptyParts), c.lines);
     }
+}
+
+// OH1XYZ's CQ from KP20, heard at JO62QM, is the hand-worked 6 m path of
+// the spot tests; W1AW's cloud is far beyond the distance limit. Each line
+// holds what is given.
+TEST_F(CliTest, ReportLinesOfADecodeLog) {
+    const QString log = write("240601_171200    50.149 Rx FT8    -12  0.2 1000 CQ OH1XYZ KP20\n"
+                              "240601_171215    50.149 Rx FT8      3  0.2 1000 CQ W1AW FN31\n");
+    const QString oh1xyz =
+        R"({"source":"alltxt","time":"2024-06-01T17:12:00Z","frequency_mhz":50.15,"mode":"FT8",)"
+        R"("snr":-12,"tx":{"call":"OH1XYZ","locator":"KP20"},"rx":{"call":"DL1ABC",)"
+        R"("locator":"JO62QM"},"es":{"cloud":"JO96GP","muf_mhz":63.6,"critical_mhz":11.7,)"
+        R"("own_muf_mhz":50.2,"azimuth":34,"elevation":8.4,"far":"KP20LL","path_km":1131,)"
+        R"("own_km":566}})";
+    const QString csv = folder.filePath("book.csv");
+    const struct {
+        QStringList options;
+        QStringList lines;
+    } cases[] = {
+        {{"--jsonl"}, {oh1xyz}},
+        {{"--jsonl", "--all-reports"},
+         {oh1xyz, R"("elevation":-12.1,"far":"FN31LL","path_km":6262,"own_km":3131})"}},
+        {{"--callbook-csv", csv},
+         {"== Reports ==",
+          "1712Z   50.1500 FT8  -12 OH1XYZ     KP20   > DL1ABC     JO62QM  1131 km alltxt    "
+          "MUF= 64MHz@JO96  FOT= 50MHz -> KP20 AZ= 34 EL=  8"}},
+    };
+    for (const auto &c : cases) {
+        const Result r =
+            runCli(QStringList{"--locator", "JO62QM", "--call", "DL1ABC", "--alltxt", log} +
+                   files() + c.options);
+        EXPECT_EQ(r.exitCode, 0) << r.err.toStdString();
+        const QStringList lines = r.out.split('\n', Qt::SkipEmptyParts);
+        ASSERT_EQ(lines.size(), c.lines.size()) << r.out.toStdString();
+        for (qsizetype i = 0; i < lines.size(); ++i) {
+            EXPECT_TRUE(lines[i].contains(c.lines[i])) << lines[i].toStdString();
+        }
+    }
+    // The book as it stands at the end: what the log taught, and the own call.
+    QFile book(csv);
+    ASSERT_TRUE(book.open(QIODevice::ReadOnly));
+    const QStringList rows = QString(book.readAll()).split('\n', Qt::SkipEmptyParts);
+    EXPECT_EQ(rows.mid(2), (QStringList{"OH1XYZ,KP20,2024-06-01T17:12:00Z,alltxt",
+                                        "W1AW,FN31,2024-06-01T17:12:15Z,alltxt"}));
+    EXPECT_TRUE(rows.value(1).startsWith("DL1ABC,JO62QM,") && rows.value(1).endsWith(",own"))
+        << rows.join('|').toStdString();
+}
+
+// What the decode log cannot show: a report without a path, SNR or call.
+TEST(ReportJson, UnknownFieldsAreNull) {
+    zkr::Reception report;
+    report.source = zkr::ReportSource::PskReporter;
+    report.time = QDateTime(QDate(2024, 6, 1), QTime(17, 12, 5), Qt::UTC);
+    report.frequencyMhz = 50.0400004;
+    report.mode = "FT8";
+    report.tx = {"I5ABC", ""};
+    report.rx = {"", "JO62QM"};
+    QByteArray line;
+    zkr::Write_ReportJson(line, report);
+    EXPECT_EQ(line, R"({"source":"pskreporter","time":"2024-06-01T17:12:05Z",)"
+                    R"("frequency_mhz":50.04,"mode":"FT8","snr":null,"tx":{"call":"I5ABC",)"
+                    R"("locator":null},"rx":{"call":null,"locator":"JO62QM"},"es":null})");
+}
+
+// Where the stored call book puts a call, else its country; --callbook-csv
+// alone writes the stored book.
+TEST_F(CliTest, WhereAndTheStoredCallBook) {
+    const QString db = folder.filePath("history.sqlite");
+    zkr::HistoryDatabase history; // open beside the tool, as the program's would be
+    ASSERT_TRUE(history.open(db, zkr::HistoryDatabase::Access::Writer));
+    ASSERT_TRUE(history.writeCallBook(
+        {{"DL1ABC", "JO62QM", QDateTime(QDate(2024, 6, 1), QTime(14, 0), Qt::UTC),
+          zkr::LearnedFrom::Wsjtx}}));
+    const struct {
+        QStringList arguments;
+        int exitCode;
+        QString out;
+    } cases[] = {
+        {{"--where", "dl1abc"},
+         0,
+         "DL1ABC JO62QM within 5 km, learned from wsjtx at 2024-06-01T14:00:00Z (Fed. Rep. of "
+         "Germany)\n"},
+        {{"--where", "EA8ZZ", "--where", "DL1ABC/MM"},
+         1,
+         "EA8ZZ IL28BH within 300 km, the position of its country Canary Islands\n"
+         "DL1ABC/MM not located\n"},
+        {{"--callbook-csv", "-"},
+         0,
+         "call,locator,learned_utc,source\nDL1ABC,JO62QM,2024-06-01T14:00:00Z,wsjtx\n"},
+    };
+    for (const auto &c : cases) {
+        const Result r = runCli(c.arguments + files() + QStringList{"--db", db});
+        EXPECT_EQ(r.exitCode, c.exitCode);
+        EXPECT_EQ(r.out, c.out);
+    }
+}
+
+// Live decodes: WSJT-X's datagrams to the tool's port on 127.0.0.1; a
+// Status without a grid makes the own station the receiver.
+TEST_F(CliTest, LiveWsjtxDecodesAreHeardAtTheOwnStation) {
+    QProcess tool;
+    tool.start(ZKR_MUF_CLI, QStringList{"--locator", "JO62QM", "--call", "DL1ABC", "--wsjtx",
+                                        "127.0.0.1:0", "--jsonl"} +
+                                files());
+    QString status;
+    ASSERT_TRUE(
+        zkr::test::waitFor([&] { return (status += tool.readAllStandardError()).endsWith('\n'); }));
+    ASSERT_TRUE(status.startsWith("WSJT-X: listening on 127.0.0.1 port ")) << status.toStdString();
+    const quint16 port = status.section(' ', -1).trimmed().toUShort();
+    QUdpSocket wsjtx;
+    wsjtx.writeDatagram(zkr::test::status("A", 50149000, "", ""), QHostAddress::LocalHost, port);
+    wsjtx.writeDatagram(zkr::test::decode("A", QTime(17, 12), -12, 1000, "CQ OH1XYZ KP20"),
+                        QHostAddress::LocalHost, port);
+    ASSERT_TRUE(zkr::test::waitFor([&] { return tool.canReadLine(); })); // at once, not at the end
+    const QJsonObject report = QJsonDocument::fromJson(tool.readLine()).object();
+    tool.terminate();
+    ASSERT_TRUE(tool.waitForFinished());
+    EXPECT_EQ(tool.exitCode(), 0);
+    EXPECT_EQ(report["source"], "wsjtx");
+    EXPECT_EQ(report["rx"].toObject(), (QJsonObject{{"call", "DL1ABC"}, {"locator", "JO62QM"}}));
+    EXPECT_EQ(report["es"]["cloud"], "JO96GP");
+}
+
+// PSK Reporter from a mosquitto of the test's own: the bands asked for, and
+// by default only the reports whose cloud is near the own station.
+TEST_F(CliTest, LivePskReporterKeepsTheBandsAndTheNearReports) {
+    zkr::test::LocalBroker broker;
+    ASSERT_TRUE(broker.start());
+    QProcess tool;
+    tool.start(ZKR_MUF_CLI, QStringList{"--locator", "JO62QM", "--pskreporter",
+                                        QString("127.0.0.1:%1").arg(broker.port()), "--bands",
+                                        "2M, 6m", "--jsonl"} +
+                                files());
+    QString status;
+    ASSERT_TRUE(zkr::test::waitFor(
+        [&] { return (status += tool.readAllStandardError()).contains("subscribed to 2 bands"); }));
+    const auto payload = [](const char *sender, const char *locator) {
+        return QByteArray(R"({"f":144174000,"md":"FT8","rp":-7,"t":1717261920,"sc":")") + sender +
+               R"(","sl":")" + locator + R"(","rc":"DL9XYZ","rl":"JO62"})";
+    };
+    for (const auto &[band, sender, locator] :
+         {std::tuple{"10m", "I5ABC", "JN53"}, {"2m", "W1AW", "FN31"}, {"2m", "I5ABC", "JN53"}}) {
+        ASSERT_TRUE(broker.publish(QByteArray("pskr/filter/v2/") + band + "/FT8/A/B/C/D/1/2",
+                                   payload(sender, locator)));
+    }
+    ASSERT_TRUE(zkr::test::waitFor([&] { return tool.canReadLine(); }));
+    tool.terminate();
+    ASSERT_TRUE(tool.waitForFinished());
+    const QString out = tool.readAllStandardOutput();
+    EXPECT_EQ(out.count('\n'), 1) << out.toStdString();
+    EXPECT_TRUE(out.startsWith(R"({"source":"pskreporter","time":"2024-06-01T17:12:00Z",)"
+                               R"("frequency_mhz":144.174,"mode":"FT8","snr":-7,)"
+                               R"("tx":{"call":"I5ABC","locator":"JN53"})"));
 }
 
 TEST_F(CliTest, OwnSquareAloneIsItsCentre) {
@@ -327,6 +501,15 @@ TEST_F(CliTest, HelpOrStatusTwoForWrongArgumentsAndUnreadableFiles) {
         {{"--locator", "JO62QM", "--watch", "--jsonl", session}, "--watch excludes"},
         {{"--locator", "JO62QM", "--watch-bands", "50", session}, "goes with --watch"},
         {{"--locator", "JO62QM", "--watch", "--watch-bands", "50,28", session}, "not \"28\""},
+        {{"--locator", "JO62QM", "--pskreporter", "h", "--bands", "6m,six"}, "not \"six\""},
+        {{"--locator", "JO62QM", "--alltxt", session, "--bands", "6m"}, "with --pskreporter"},
+        {{"--locator", "JO62QM", "--alltxt", session, "--es-only"}, "not reception reports"},
+        {{"--locator", "JO62QM", "--alltxt", session, "--seconds", "5"}, "--seconds goes with"},
+        {{"--locator", "JO62QM", "--alltxt", session, session}, "take no FILE"},
+        {{"--locator", "JO62QM", "--all-reports", session}, "--all-reports goes with"},
+        {{"--locator", "JO62QM", "--wsjtx", "2237", "--alltxt", session}, "one source at a time"},
+        {{"--locator", "JO62QM", "--wsjtx", "localhost:2237"}, "[ADDRESS:]PORT"},
+        {{"--locator", "JO62QM", "--callbook-csv", "-", session}, "needs a FILE"},
     };
     for (const auto &c : cases) {
         const Result r = runCli(c.arguments);

@@ -8,8 +8,8 @@
 #include "MsgBox_Pos.h"
 #include "OwnCall.h"
 #include "Platform.h"
-#include "PskReporterPayload.h"
 #include "ProgramState.h"
+#include "PskReporterPayload.h"
 #include "RunModes.h"
 #include "RunTimeError.h"
 #include "SettingsFile.h"
@@ -336,6 +336,12 @@ void frmZKR_MUF_Setup::setPskReporterSettings(const PskReporterSettings &setting
 
 void frmZKR_MUF_Setup::setSourceStatus(SourceRow row, const QString &text) {
     sourceStatus_[static_cast<std::size_t>(row)]->setText(text);
+    // A status of several lines (a busy port and what to do) makes room for
+    // itself rather than be cut.
+    layout()->activate();
+    if (const int needed = heightForWidth(width()); needed > height()) {
+        resize(width(), needed);
+    }
 }
 
 void frmZKR_MUF_Setup::writeOwnSections() {

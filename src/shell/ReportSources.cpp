@@ -189,10 +189,11 @@ void ReportSources::flushPane() {
 void ReportSources::openDecodeLog() {
     FileDialogRequest request;
     request.title = QStringLiteral("Open a decode log of WSJT-X or JTDX");
-    request.filter = QStringLiteral("Decode logs (ALL.TXT)|ALL.TXT;*.TXT;*.txt|all files|*");
+    // The dialog adds the patterns to the descriptions itself.
+    request.filter = QStringLiteral("Decode logs|ALL.TXT;*.TXT;*.txt|All files|*");
     request.mustExist = true;
     // Where the two programs keep it on Linux, beside our own data folder.
-    request.initialFolder = platform_.userFolder(UserFolder::Documents);
+    request.initialFolder = QDir::homePath();
     const QDir shared(QDir(platform_.userFolder(UserFolder::Data)).filePath(QStringLiteral("..")));
     for (const char *program : {"WSJT-X", "JTDX"}) {
         if (shared.exists(QLatin1String(program))) {

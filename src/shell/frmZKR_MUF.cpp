@@ -106,7 +106,7 @@ frmZKR_MUF::frmZKR_MUF(ProgramState &state, Platform &platform, QWidget *parent)
                                         text);
             });
     connect(reports_.get(), &ReportSources::notice, this,
-            [this](const QString &text) { statusBar()->showMessage(text, 15000); });
+            [this](const QString &text) { Label_ReportNotice_->setFullText(text); });
     Label_WsjtxStatus_->setFullText(reports_->status(ReportSources::Source::Wsjtx));
     Label_PskStatus_->setFullText(reports_->status(ReportSources::Source::PskReporter));
     // Spots restored from the history put their clouds back on the map.
@@ -303,6 +303,11 @@ void frmZKR_MUF::buildMenuAndStatusBar() {
     Label_WsjtxStatus_->setObjectName(QStringLiteral("Label_WsjtxStatus"));
     Label_PskStatus_ = new ElidedLabel(this);
     Label_PskStatus_->setObjectName(QStringLiteral("Label_PskStatus"));
+    // What the sources had to say once (a missing country file, a replay's
+    // result) stays until the next such word.
+    Label_ReportNotice_ = new ElidedLabel(this);
+    Label_ReportNotice_->setObjectName(QStringLiteral("Label_ReportNotice"));
+    statusBar()->addWidget(Label_ReportNotice_, 1);
     statusBar()->addPermanentWidget(Label_WsjtxStatus_, 1);
     statusBar()->addPermanentWidget(Label_PskStatus_, 1);
 }

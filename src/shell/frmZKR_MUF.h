@@ -223,6 +223,7 @@ private:
     ElidedLabel *Label_WhereAnswer_ = nullptr;
     ElidedLabel *Label_WsjtxStatus_ = nullptr;
     ElidedLabel *Label_PskStatus_ = nullptr;
+    ElidedLabel *Label_ReportNotice_ = nullptr;
 };
 
 } // namespace zkr

@@ -228,7 +228,7 @@ QGroupBox *frmZKR_MUF_Setup::buildSources() {
 
     grid->addWidget(new QLabel(QStringLiteral("DX cluster: the list on the left"), Frame_Sources_),
                     row++, 0, 1, 4);
-    addStatus(SourceRow::Cluster, "Label_ClusterStatus");
+    addStatus(SourceRow::Cluster, "Label_Status_Cluster");
 
     CheckBox_Wsjtx_ = checkBox(QStringLiteral("WSJT-X / JTDX decodes (UDP, their \"UDP Server\")"),
                                "CheckBox_Wsjtx");
@@ -241,7 +241,7 @@ QGroupBox *frmZKR_MUF_Setup::buildSources() {
     text_WsjtxGroup_->setPlaceholderText(QStringLiteral("none (e.g. 239.255.0.1 to share)"));
     addField(QStringLiteral("Multicast"), text_WsjtxGroup_, 0, 3);
     ++row;
-    addStatus(SourceRow::Wsjtx, "Label_WsjtxStatus");
+    addStatus(SourceRow::Wsjtx, "Label_Status_Wsjtx");
 
     CheckBox_PskReporter_ =
         checkBox(QStringLiteral("PSK Reporter live feed (MQTT)"), "CheckBox_PskReporter");
@@ -256,7 +256,7 @@ QGroupBox *frmZKR_MUF_Setup::buildSources() {
     ++row;
     CheckBox_PskAllReports_ = checkBox(
         QStringLiteral("keep every report, also of clouds out of range"), "CheckBox_PskAllReports");
-    addStatus(SourceRow::PskReporter, "Label_PskStatus");
+    addStatus(SourceRow::PskReporter, "Label_Status_Psk");
     grid->setColumnStretch(1, 1);
     Frame_Sources_->setMinimumWidth(fontMetrics().horizontalAdvance(QLatin1Char('X')) * 44);
     return Frame_Sources_;

@@ -55,7 +55,7 @@ ReportSources::ReportSources(ProgramState &state, Platform &platform, SpotPipeli
     connect(&psk_, &PskReporterClient::statusChanged, this,
             [this](const QString &text) { setStatus(Source::PskReporter, text); });
     connect(&replay_, &AllTxtReplay::finished, this, [this] {
-        reader_.finish();
+        replayingLog_ = false;
         flushPane();
         // Live reports that follow run on the wall clock again.
         watch_.endLogReplay();
@@ -160,9 +160,7 @@ QString ReportSources::status(Source source) const {
 void ReportSources::takeReport(const Reception &report) {
     callBook_.learn(report);
     watch_.addReport(report);
-    if (replay_.isRunning()) {
-        ++logReports_;
-    }
+    logReports_ += replayingLog_ ? 1 : 0;
     if (Is_ReportInRange(report)) {
         // Newest on top, like the spot panes.
         pane_.setCaret(0);
@@ -170,7 +168,7 @@ void ReportSources::takeReport(const Reception &report) {
             pane_.insertColored(run.text, run.colour);
         }
         pane_.setCaret(0);
-        logShown_ += replay_.isRunning() ? 1 : 0;
+        logShown_ += replayingLog_ ? 1 : 0;
         flush_->start();
     }
     Q_EMIT reportEvaluated(report);
@@ -212,7 +210,8 @@ void ReportSources::openDecodeLog() {
     // The watch runs on the log's times while it plays, as for a recorded
     // cluster file: else a log of yesterday would be over at once.
     watch_.beginLogReplay();
-    if (!replay_.start(chosen, reader_)) {
+    replayingLog_ = replay_.start(chosen, reader_);
+    if (!replayingLog_) {
         watch_.endLogReplay();
         reportRunTimeError(platform_,
                            RunTimeError(RunTimeError::FileNotFound,

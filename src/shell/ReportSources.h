@@ -59,7 +59,7 @@ public:
 
     // File menu: asks for a decode log and replays it, a slice per turn.
     void openDecodeLog();
-    bool isReplayingLog() const { return replay_.isRunning(); }
+    bool isReplayingLog() const { return replayingLog_; }
 
     // What the book knows of `typed`: its locator, how and when it was
     // learned, for the window's where box.
@@ -110,6 +110,9 @@ private:
     std::optional<PskRun> pskRunning_;
     QString wsjtxStatus_;
     QString pskStatus_;
+    // From the start of a log's replay to its last line (read after the
+    // replay's last slice when it has no line end).
+    bool replayingLog_ = false;
     QString logName_;
     qint64 logReports_ = 0;
     qint64 logShown_ = 0;

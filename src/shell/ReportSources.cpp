@@ -233,7 +233,7 @@ QString ReportSources::whereIs(const QString &typed) const {
         return call + QStringLiteral(": not known");
     }
     if (position->how == Located::Country) {
-        return call + QStringLiteral(": %1 (%2, within %3 km), from the country file")
+        return call + QStringLiteral(": %1, country file: %2, within %3 km")
                           .arg(position->locator, position->country)
                           .arg(qRound(position->uncertaintyKm));
     }

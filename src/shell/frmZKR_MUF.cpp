@@ -290,7 +290,7 @@ void frmZKR_MUF::buildMenuAndStatusBar() {
     Label_WhereAnswer_ = new ElidedLabel(where);
     Label_WhereAnswer_->setObjectName(QStringLiteral("Label_WhereAnswer"));
     Label_WhereAnswer_->setMinimumWidth(
-        Label_WhereAnswer_->fontMetrics().horizontalAdvance(QLatin1Char('X')) * 48);
+        Label_WhereAnswer_->fontMetrics().horizontalAdvance(QLatin1Char('X')) * 60);
     row->addWidget(caption);
     row->addWidget(text_WhereCall_);
     row->addWidget(Label_WhereAnswer_, 1);

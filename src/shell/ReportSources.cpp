@@ -160,7 +160,9 @@ QString ReportSources::status(Source source) const {
 void ReportSources::takeReport(const Reception &report) {
     callBook_.learn(report);
     watch_.addReport(report);
-    logReports_ += replayingLog_ ? 1 : 0;
+    // Live reports that come meanwhile are not the log's.
+    const bool fromLog = replayingLog_ && report.source == ReportSource::AllTxt;
+    logReports_ += fromLog ? 1 : 0;
     if (Is_ReportInRange(report)) {
         // Newest on top, like the spot panes.
         pane_.setCaret(0);
@@ -168,7 +170,7 @@ void ReportSources::takeReport(const Reception &report) {
             pane_.insertColored(run.text, run.colour);
         }
         pane_.setCaret(0);
-        logShown_ += replayingLog_ ? 1 : 0;
+        logShown_ += fromLog ? 1 : 0;
         flush_->start();
     }
     Q_EMIT reportEvaluated(report);

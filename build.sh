@@ -17,6 +17,7 @@ program_packages=(
     qt6-qpa-plugins    # the window system plugins
     libqt6sql6-sqlite  # the spot history
     libmosquitto-dev   # the PSK Reporter feed (MQTT)
+    hamradio-files     # the country file (cty.dat) of the call book
     fontconfig
     fonts-dejavu-core
 )

@@ -1,6 +1,7 @@
 #include "BuildInfo.h"
 #include "ProgramState.h"
 #include "QtPlatform.h"
+#include "ReportSources.h"
 #include "RunTimeError.h"
 #include "SpotSources.h"
 #include "frmZKR_MUF.h"
@@ -68,6 +69,7 @@ int main(int argc, char *argv[]) {
     zkr::QtPlatform platform;
     zkr::frmZKR_MUF window(state, platform);
     window.sources().enableHistory();
+    window.reports().enableLive();
     try {
         window.Form_Load();
     } catch (const zkr::RunTimeError &error) {

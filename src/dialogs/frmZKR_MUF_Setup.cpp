@@ -9,6 +9,7 @@
 #include "OwnCall.h"
 #include "Platform.h"
 #include "ProgramState.h"
+#include "PskReporterPayload.h"
 #include "RunModes.h"
 #include "RunTimeError.h"
 #include "SettingsFile.h"
@@ -23,6 +24,7 @@
 #include <QLabel>
 #include <QLineEdit>
 #include <QPushButton>
+#include <QSpinBox>
 #include <QTreeWidget>
 #include <QVBoxLayout>
 
@@ -66,7 +68,15 @@ frmZKR_MUF_Setup::frmZKR_MUF_Setup(ProgramState &state, Platform &platform, Setu
 }
 
 void frmZKR_MUF_Setup::buildControls() {
-    auto *column = new QVBoxLayout(this);
+    auto *outer = new QVBoxLayout(this);
+    auto *columns = new QHBoxLayout;
+    outer->addLayout(columns);
+    // The cluster on the left as it always was, the other sources and the
+    // watch on the right: the dialog grows in width, not in height.
+    auto *column = new QVBoxLayout;
+    auto *right = new QVBoxLayout;
+    columns->addLayout(column);
+    columns->addLayout(right);
 
     auto *fields = new QGridLayout;
     auto makeField = [this, fields](const QString &caption, const char *labelName,
@@ -134,7 +144,9 @@ void frmZKR_MUF_Setup::buildControls() {
         connect(box, &QCheckBox::clicked, this, [this] { markEdited(); });
         watchBoxes_[i] = box;
     }
-    column->addWidget(Frame_EsWatch_);
+    right->addWidget(buildSources());
+    right->addWidget(Frame_EsWatch_);
+    right->addStretch();
 
     auto *buttons = new QHBoxLayout;
     auto makeButton = [this, buttons](const QString &caption, const char *name) {
@@ -150,7 +162,7 @@ void frmZKR_MUF_Setup::buildControls() {
     buttons->addStretch();
     Command_SaveConfig_ = makeButton(QStringLiteral("&S a v e"), "Command_SaveConfig");
     Command_ExitwWthoutSave_ = makeButton(ExitCaption, "Command_ExitwWthoutSave");
-    column->addLayout(buttons);
+    outer->addLayout(buttons);
 
     connect(text_Call_, &QLineEdit::textEdited, this, [this] { text_Call_Change(); });
     connect(text_Locator_, &QLineEdit::textEdited, this, [this] { text_Locator_Change(); });
@@ -167,6 +179,87 @@ void frmZKR_MUF_Setup::buildControls() {
             [this] { runHandler([this] { Command_SaveConfig_Click(); }); });
 
     adjustSize();
+}
+
+QGroupBox *frmZKR_MUF_Setup::buildSources() {
+    Frame_Sources_ = new QGroupBox(QStringLiteral("Sources"), this);
+    Frame_Sources_->setObjectName(QStringLiteral("Frame_Sources"));
+    auto *grid = new QGridLayout(Frame_Sources_);
+    int row = 0;
+    auto addStatus = [this, grid, &row](SourceRow source, const char *name) {
+        auto *label = new QLabel(Frame_Sources_);
+        label->setObjectName(QLatin1String(name));
+        label->setTextFormat(Qt::PlainText); // hosts and errors are no markup
+        label->setWordWrap(true);
+        label->setIndent(16);
+        QPalette palette = label->palette();
+        palette.setColor(QPalette::WindowText, Qt::darkBlue);
+        label->setPalette(palette);
+        grid->addWidget(label, row++, 0, 1, 4);
+        sourceStatus_[static_cast<std::size_t>(source)] = label;
+    };
+    auto addField = [this, grid, &row](const QString &caption, QWidget *field, int column,
+                                       int span = 1) {
+        auto *label = new QLabel(caption, Frame_Sources_);
+        label->setBuddy(field);
+        grid->addWidget(label, row, column);
+        grid->addWidget(field, row, column + 1, 1, span);
+    };
+    auto lineEdit = [this](const char *name) {
+        auto *edit = new QLineEdit(Frame_Sources_);
+        edit->setObjectName(QLatin1String(name));
+        connect(edit, &QLineEdit::textEdited, this, [this] { markEdited(); });
+        return edit;
+    };
+    auto portBox = [this](const char *name) {
+        auto *spin = new QSpinBox(Frame_Sources_);
+        spin->setObjectName(QLatin1String(name));
+        spin->setRange(1, 65535);
+        connect(spin, &QSpinBox::valueChanged, this, [this] { markEdited(); });
+        return spin;
+    };
+    auto checkBox = [this, grid, &row](const QString &caption, const char *name) {
+        auto *box = new QCheckBox(caption, Frame_Sources_);
+        box->setObjectName(QLatin1String(name));
+        connect(box, &QCheckBox::clicked, this, [this] { markEdited(); });
+        grid->addWidget(box, row++, 0, 1, 4);
+        return box;
+    };
+
+    grid->addWidget(new QLabel(QStringLiteral("DX cluster: the list on the left"), Frame_Sources_),
+                    row++, 0, 1, 4);
+    addStatus(SourceRow::Cluster, "Label_Status_Cluster");
+
+    CheckBox_Wsjtx_ = checkBox(QStringLiteral("WSJT-X / JTDX decodes (UDP, their \"UDP Server\")"),
+                               "CheckBox_Wsjtx");
+    text_WsjtxAddress_ = lineEdit("text_WsjtxAddress");
+    spin_WsjtxPort_ = portBox("spin_WsjtxPort");
+    addField(QStringLiteral("Address"), text_WsjtxAddress_, 0);
+    addField(QStringLiteral("Port"), spin_WsjtxPort_, 2);
+    ++row;
+    text_WsjtxGroup_ = lineEdit("text_WsjtxGroup");
+    text_WsjtxGroup_->setPlaceholderText(QStringLiteral("none (e.g. 239.255.0.1 to share)"));
+    addField(QStringLiteral("Multicast"), text_WsjtxGroup_, 0, 3);
+    ++row;
+    addStatus(SourceRow::Wsjtx, "Label_Status_Wsjtx");
+
+    CheckBox_PskReporter_ =
+        checkBox(QStringLiteral("PSK Reporter live feed (MQTT)"), "CheckBox_PskReporter");
+    text_PskHost_ = lineEdit("text_PskHost");
+    spin_PskPort_ = portBox("spin_PskPort");
+    addField(QStringLiteral("Host"), text_PskHost_, 0);
+    addField(QStringLiteral("Port"), spin_PskPort_, 2);
+    ++row;
+    text_PskBands_ = lineEdit("text_PskBands");
+    text_PskBands_->setPlaceholderText(QStringLiteral("6m,4m,2m or all"));
+    addField(QStringLiteral("Bands"), text_PskBands_, 0, 3);
+    ++row;
+    CheckBox_PskAllReports_ = checkBox(
+        QStringLiteral("keep every report, also of clouds out of range"), "CheckBox_PskAllReports");
+    addStatus(SourceRow::PskReporter, "Label_Status_Psk");
+    grid->setColumnStretch(1, 1);
+    Frame_Sources_->setMinimumWidth(fontMetrics().horizontalAdvance(QLatin1Char('X')) * 44);
+    return Frame_Sources_;
 }
 
 void frmZKR_MUF_Setup::applyColours() {
@@ -200,6 +293,61 @@ void frmZKR_MUF_Setup::setWatchSettings(const WatchSettings &settings) {
     for (std::size_t i = 0; i < watchBoxes_.size(); ++i) {
         watchBoxes_[i]->setChecked(switches[i]);
     }
+}
+
+WsjtxSettings frmZKR_MUF_Setup::wsjtxSettings() const {
+    WsjtxSettings settings;
+    settings.enabled = CheckBox_Wsjtx_->isChecked();
+    settings.address = text_WsjtxAddress_->text().trimmed();
+    settings.port = static_cast<quint16>(spin_WsjtxPort_->value());
+    settings.multicastGroup = text_WsjtxGroup_->text().trimmed();
+    return settings;
+}
+
+void frmZKR_MUF_Setup::setWsjtxSettings(const WsjtxSettings &settings) {
+    CheckBox_Wsjtx_->setChecked(settings.enabled);
+    text_WsjtxAddress_->setText(settings.address);
+    spin_WsjtxPort_->setValue(settings.port);
+    text_WsjtxGroup_->setText(settings.multicastGroup);
+}
+
+PskReporterSettings frmZKR_MUF_Setup::pskReporterSettings() const {
+    PskReporterSettings settings;
+    settings.enabled = CheckBox_PskReporter_->isChecked();
+    // An empty host keeps the default rather than connect nowhere.
+    if (const QString host = text_PskHost_->text().trimmed(); !host.isEmpty()) {
+        settings.host = host;
+    }
+    settings.port = static_cast<quint16>(spin_PskPort_->value());
+    if (const QStringList bands = pskReporterBands(text_PskBands_->text()); !bands.isEmpty()) {
+        settings.bands = bands;
+    }
+    settings.allReports = CheckBox_PskAllReports_->isChecked();
+    return settings;
+}
+
+void frmZKR_MUF_Setup::setPskReporterSettings(const PskReporterSettings &settings) {
+    CheckBox_PskReporter_->setChecked(settings.enabled);
+    text_PskHost_->setText(settings.host);
+    spin_PskPort_->setValue(settings.port);
+    text_PskBands_->setText(settings.bands.join(QLatin1Char(',')));
+    CheckBox_PskAllReports_->setChecked(settings.allReports);
+}
+
+void frmZKR_MUF_Setup::setSourceStatus(SourceRow row, const QString &text) {
+    sourceStatus_[static_cast<std::size_t>(row)]->setText(text);
+    // A status of several lines (a busy port and what to do) makes room for
+    // itself rather than be cut.
+    layout()->activate();
+    if (const int needed = heightForWidth(width()); needed > height()) {
+        resize(width(), needed);
+    }
+}
+
+void frmZKR_MUF_Setup::writeOwnSections() {
+    watchSettings().write(state_.IniFilePath);
+    wsjtxSettings().write(state_.IniFilePath);
+    pskReporterSettings().write(state_.IniFilePath);
 }
 
 QString frmZKR_MUF_Setup::clusterListPath() const {
@@ -297,6 +445,8 @@ void frmZKR_MUF_Setup::Setup_Click() {
     host_.setRefreshTimer(false);
     readSettings();
     setWatchSettings(WatchSettings::read(state_.IniFilePath));
+    setWsjtxSettings(WsjtxSettings::read(state_.IniFilePath));
+    setPskReporterSettings(PskReporterSettings::read(state_.IniFilePath));
     centreOver(host_.mainFrame());
     loadClusterList();
     resetButtons();
@@ -388,6 +538,8 @@ void frmZKR_MUF_Setup::Command_SaveConfig_Click() {
                                 ownLocatorCaption(state_.OwnLocator));
         Ini_Write(QStringLiteral("Locator"), QStringLiteral("OwnLocator"), state_.OwnLocator,
                   state_.IniFilePath);
+        writeOwnSections();
+        Q_EMIT settingsSaved();
         hide();
         host_.layoutForRunMode(true);
         host_.Replay_SpotFile();
@@ -398,7 +550,7 @@ void frmZKR_MUF_Setup::Command_SaveConfig_Click() {
 
     SettingsFile &settings = host_.settingsFile();
     settings.Save_Settings();
-    watchSettings().write(state_.IniFilePath);
+    writeOwnSections();
     readSettings();
     Q_EMIT settingsSaved();
     Command_SaveConfig_->setEnabled(true);

@@ -1,8 +1,10 @@
 #pragma once
 
+#include "PskReporterSettings.h"
 #include "SetupDialogLink.h"
 #include "UpdateCheck.h"
 #include "WatchSettings.h"
+#include "WsjtxSettings.h"
 
 #include <QDialog>
 
@@ -15,6 +17,7 @@ class QGroupBox;
 class QLabel;
 class QLineEdit;
 class QPushButton;
+class QSpinBox;
 class QTreeWidget;
 class QTreeWidgetItem;
 
@@ -25,7 +28,9 @@ class Platform;
 class SetupDialogHost;
 
 // The setup dialog: own call sign and locator, the telnet cluster picked
-// from the cluster list, the automatic update check. Saving checks the
+// from the cluster list, the automatic update check, the sources of
+// reception reports (WSJT-X/JTDX over UDP, PSK Reporter) with the status of
+// every source, the Es watch's alerts. Saving checks the
 // entries, writes the settings and switches the main window to the source
 // the call sign asks for: "!NOCALL!" the web spot list, "!FILE!" a recorded
 // file, any other call the telnet cluster.
@@ -60,6 +65,15 @@ public:
     // The Es watch's boxes: bands, levels, sound.
     WatchSettings watchSettings() const;
     void setWatchSettings(const WatchSettings &settings);
+    // The report sources' fields.
+    WsjtxSettings wsjtxSettings() const;
+    void setWsjtxSettings(const WsjtxSettings &settings);
+    PskReporterSettings pskReporterSettings() const;
+    void setPskReporterSettings(const PskReporterSettings &settings);
+
+    // The line under each source that says how it is doing.
+    enum class SourceRow { Cluster, Wsjtx, PskReporter };
+    void setSourceStatus(SourceRow row, const QString &text);
 
     // SetupDialogLink
     QString callText() const override;
@@ -86,6 +100,9 @@ protected:
 
 private:
     void buildControls();
+    QGroupBox *buildSources();
+    // Writes the sections of the Es watch and the report sources.
+    void writeOwnSections();
     void applyColours();
     // The look of unsaved changes, and back.
     void markEdited();
@@ -121,6 +138,18 @@ private:
     QGroupBox *Frame_EsWatch_ = nullptr;
     // 50, 70, 144 MHz, rising, open, confirmed, sound: WatchSettings' order.
     std::array<QCheckBox *, 7> watchBoxes_{};
+    QGroupBox *Frame_Sources_ = nullptr;
+    // Cluster, WSJT-X, PSK Reporter: SourceRow's order.
+    std::array<QLabel *, 3> sourceStatus_{};
+    QCheckBox *CheckBox_Wsjtx_ = nullptr;
+    QLineEdit *text_WsjtxAddress_ = nullptr;
+    QSpinBox *spin_WsjtxPort_ = nullptr;
+    QLineEdit *text_WsjtxGroup_ = nullptr;
+    QCheckBox *CheckBox_PskReporter_ = nullptr;
+    QLineEdit *text_PskHost_ = nullptr;
+    QSpinBox *spin_PskPort_ = nullptr;
+    QLineEdit *text_PskBands_ = nullptr;
+    QCheckBox *CheckBox_PskAllReports_ = nullptr;
     QPushButton *Command_SaveConfig_ = nullptr;
     QPushButton *Command_ExitwWthoutSave_ = nullptr;
 };

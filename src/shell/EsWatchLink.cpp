@@ -58,7 +58,7 @@ void EsWatchLink::prepare() {
         readSettings();
     }
     // A replayed file keeps its own times, else its opening is over at once.
-    const bool replay = state_.RunMode.toUpper() == FileMode;
+    const bool replay = logReplay_ || state_.RunMode.toUpper() == FileMode;
     if (replay != watch_.usesSpotTime()) {
         if (replay) {
             watch_.setSpotTimeClock();
@@ -83,6 +83,12 @@ void EsWatchLink::addRestored(const QList<EvaluatedSpot> &spots) {
 void EsWatchLink::addReport(const Reception &report) {
     prepare();
     watch_.addReport(report);
+}
+
+void EsWatchLink::beginLogReplay() {
+    logReplay_ = true;
+    watch_.clear();
+    prepare();
 }
 
 bool EsWatchLink::selectInAllPane(const WatchSpot &spot) {

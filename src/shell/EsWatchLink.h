@@ -48,6 +48,10 @@ public:
     void addRestored(const QList<EvaluatedSpot> &spots);
     // A reception report (an FT8 decode, a PSK Reporter report).
     void addReport(const Reception &report);
+    // A decode log plays on its own times, from a clean watch; after it the
+    // next live spot or report puts the watch back on the wall clock.
+    void beginLogReplay();
+    void endLogReplay() { logReplay_ = false; }
 
 private:
     // Reads the settings once and puts the watch on the clock of the source.
@@ -62,6 +66,7 @@ private:
     EsMapView *map_;
     QTimer *aging_;
     bool settingsRead_ = false;
+    bool logReplay_ = false;
     QString ownLocator_;
 };
 

@@ -8,6 +8,7 @@
 #include "OwnCall.h"
 #include "Platform.h"
 #include "ProgramState.h"
+#include "ReportSources.h"
 #include "RunModes.h"
 #include "RunTimeError.h"
 #include "SiteDefaults.h"
@@ -26,10 +27,13 @@
 #include <QHBoxLayout>
 #include <QKeyEvent>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMenu>
+#include <QMenuBar>
 #include <QMouseEvent>
 #include <QPushButton>
 #include <QScreen>
+#include <QStatusBar>
 #include <QTabWidget>
 #include <QTimer>
 #include <QVBoxLayout>
@@ -80,6 +84,31 @@ frmZKR_MUF::frmZKR_MUF(ProgramState &state, Platform &platform, QWidget *parent)
     column_->insertWidget(1, &watchLink_->strip());
     SSTab1_->addTab(&watchLink_->map(), QStringLiteral("Map"));
     connect(setup_, &frmZKR_MUF_Setup::settingsSaved, watchLink_, &EsWatchLink::readSettings);
+    // The reports after the map: a saved tab index keeps its meaning.
+    auto *reportsPage = new QWidget(SSTab1_);
+    auto *reportsStack = new QGridLayout(reportsPage);
+    reportsStack->setContentsMargins(0, 0, 0, 0);
+    reportsView_ = createPane(reportsPage, reportsWorking_);
+    reportsView_->setObjectName(QStringLiteral("ReportsPane"));
+    reportsView_->removeAction(exportAction_); // the export is of spots
+    reportsStack->addWidget(reportsView_, 0, 0);
+    SSTab1_->addTab(reportsPage, QStringLiteral("Reports"));
+    reports_ = std::make_unique<ReportSources>(state_, platform_, sources_->pipeline(), *watchLink_,
+                                               reportsWorking_, *reportsView_);
+    connect(setup_, &frmZKR_MUF_Setup::settingsSaved, reports_.get(),
+            &ReportSources::applySettings);
+    connect(reports_.get(), &ReportSources::statusChanged, this,
+            [this](ReportSources::Source source, const QString &text) {
+                const bool wsjtx = source == ReportSources::Source::Wsjtx;
+                (wsjtx ? Label_WsjtxStatus_ : Label_PskStatus_)->setFullText(text);
+                setup_->setSourceStatus(wsjtx ? frmZKR_MUF_Setup::SourceRow::Wsjtx
+                                              : frmZKR_MUF_Setup::SourceRow::PskReporter,
+                                        text);
+            });
+    connect(reports_.get(), &ReportSources::notice, this,
+            [this](const QString &text) { Label_ReportNotice_->setFullText(text); });
+    Label_WsjtxStatus_->setFullText(reports_->status(ReportSources::Source::Wsjtx));
+    Label_PskStatus_->setFullText(reports_->status(ReportSources::Source::PskReporter));
     // Spots restored from the history put their clouds back on the map.
     connect(&sources_->history(), &SpotHistory::restored, watchLink_, &EsWatchLink::addRestored);
 }
@@ -160,6 +189,8 @@ void frmZKR_MUF::buildControls() {
     Command_End_ = makeButton(QStringLiteral("&EXIT"), "Command_End");
     column->addLayout(top);
 
+    buildMenuAndStatusBar();
+
     copyAction_ = new QAction(QStringLiteral("&Copy"), this);
     copyAction_->setObjectName(QStringLiteral("copyAction"));
     copyAction_->setShortcut(QKeySequence::Copy);
@@ -228,6 +259,59 @@ void frmZKR_MUF::buildControls() {
     resize(1024, 540);
 }
 
+void frmZKR_MUF::buildMenuAndStatusBar() {
+    QMenu *file = menuBar()->addMenu(QStringLiteral("&File"));
+    file->setObjectName(QStringLiteral("fileMenu"));
+    QAction *openLog = file->addAction(QStringLiteral("Open &decode log (ALL.TXT)..."));
+    openLog->setObjectName(QStringLiteral("openDecodeLogAction"));
+    connect(openLog, &QAction::triggered, this,
+            [this] { runHandler([this] { OpenDecodeLog_Click(); }); });
+    QAction *replay = file->addAction(QStringLiteral("&Replay a recorded cluster file..."));
+    replay->setObjectName(QStringLiteral("replaySpotFileAction"));
+    connect(replay, &QAction::triggered, this,
+            [this] { runHandler([this] { ReplaySpotFile_Click(); }); });
+    file->addSeparator();
+    QAction *exit = file->addAction(QStringLiteral("E&xit"));
+    connect(exit, &QAction::triggered, this, [this] { Command_End_Click(); });
+
+    // The where box sits in the menu bar's free room, so it costs no height.
+    auto *where = new QWidget(menuBar());
+    auto *row = new QHBoxLayout(where);
+    row->setContentsMargins(4, 1, 4, 1);
+    row->setSpacing(4);
+    auto *caption = new QLabel(QStringLiteral("&Where is"), where);
+    text_WhereCall_ = new QLineEdit(where);
+    text_WhereCall_->setObjectName(QStringLiteral("text_WhereCall"));
+    text_WhereCall_->setPlaceholderText(QStringLiteral("call, Enter"));
+    text_WhereCall_->setMaxLength(20);
+    text_WhereCall_->setFixedWidth(
+        text_WhereCall_->fontMetrics().horizontalAdvance(QStringLiteral("VP2E/DL1ABC/P")) + 16);
+    caption->setBuddy(text_WhereCall_);
+    Label_WhereAnswer_ = new ElidedLabel(where);
+    Label_WhereAnswer_->setObjectName(QStringLiteral("Label_WhereAnswer"));
+    Label_WhereAnswer_->setMinimumWidth(
+        Label_WhereAnswer_->fontMetrics().horizontalAdvance(QLatin1Char('X')) * 60);
+    row->addWidget(caption);
+    row->addWidget(text_WhereCall_);
+    row->addWidget(Label_WhereAnswer_, 1);
+    menuBar()->setCornerWidget(where, Qt::TopRightCorner);
+    connect(text_WhereCall_, &QLineEdit::returnPressed, this, &frmZKR_MUF::WhereCall_Enter);
+
+    // The report sources say how they are below the tabs; the cluster keeps
+    // the status at the top.
+    Label_WsjtxStatus_ = new ElidedLabel(this);
+    Label_WsjtxStatus_->setObjectName(QStringLiteral("Label_WsjtxStatus"));
+    Label_PskStatus_ = new ElidedLabel(this);
+    Label_PskStatus_->setObjectName(QStringLiteral("Label_PskStatus"));
+    // What the sources had to say once (a missing country file, a replay's
+    // result) stays until the next such word.
+    Label_ReportNotice_ = new ElidedLabel(this);
+    Label_ReportNotice_->setObjectName(QStringLiteral("Label_ReportNotice"));
+    statusBar()->addWidget(Label_ReportNotice_, 1);
+    statusBar()->addPermanentWidget(Label_WsjtxStatus_, 1);
+    statusBar()->addPermanentWidget(Label_PskStatus_, 1);
+}
+
 PaneView *frmZKR_MUF::createPane(QWidget *parent, MemoryPane &source) {
     auto *pane = new PaneView(parent);
     pane->setFont(paneFont(10));
@@ -273,6 +357,7 @@ void frmZKR_MUF::setStatusLabel(const QString &caption, std::uint32_t bgrColour)
 
 void frmZKR_MUF::showStatusText(const QString &caption) {
     regularStatus_ = caption;
+    setup_->setSourceStatus(frmZKR_MUF_Setup::SourceRow::Cluster, caption);
     if (!transientTimer_->isActive()) {
         Label_Telnet_Status_->setFullText(caption);
     }
@@ -376,6 +461,8 @@ void frmZKR_MUF::layoutInitial() {
 void frmZKR_MUF::layoutByMode() {
     // Before the source starts, so that restored spots lie below live ones.
     sources_->startHistory();
+    // The own station and the country file before the first spot.
+    reports_->start();
     applyColours();
     applyModeSettings(true);
     // A first run has shown the setup already, while creating the settings.
@@ -392,6 +479,7 @@ void frmZKR_MUF::applyModeSettings(bool secondPass) {
     for (int i = 0; i < PaneCount; ++i) {
         displayPane(i)->setFont(font);
     }
+    reportsView_->setFont(font);
     if (web) {
         clearPanes();
     }
@@ -675,12 +763,28 @@ void frmZKR_MUF::Command_Telnet_Click() {
 }
 
 void frmZKR_MUF::Copy_Click() {
-    if (SSTab1_->currentIndex() >= PaneCount) {
+    const int tab = SSTab1_->currentIndex();
+    if (tab == MapTab) {
         return; // the map has no text
     }
-    const QString text = displayPane(SSTab1_->currentIndex())->text();
+    const QString text = tab == ReportsTab ? reportsView_->text() : displayPane(tab)->text();
     platform_.clearClipboard();
     platform_.setClipboardText(text);
+}
+
+void frmZKR_MUF::OpenDecodeLog_Click() {
+    reports_->openDecodeLog();
+}
+
+void frmZKR_MUF::ReplaySpotFile_Click() {
+    // As the console's button does: the file replaces the cluster's spots.
+    state_.RunMode = FileMode;
+    sources_->prepareFileReplay();
+    sources_->Replay_SpotFile();
+}
+
+void frmZKR_MUF::WhereCall_Enter() {
+    Label_WhereAnswer_->setFullText(reports_->whereIs(text_WhereCall_->text()));
 }
 
 // --- Qt events ---

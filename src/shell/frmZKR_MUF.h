@@ -19,6 +19,7 @@ class QAction;
 class QDateTime;
 class QCheckBox;
 class QLabel;
+class QLineEdit;
 class QPushButton;
 class QTabWidget;
 class QTimer;
@@ -34,9 +35,12 @@ class frmInfo;
 class PaneView;
 class SpotSources;
 class EsWatchLink;
+class ReportSources;
 
-// The main window: tab strip with the result panes, status and own-call
-// labels, buttons and the one-second web refresh timer.
+// The main window: tab strip with the result panes, the map and the
+// reception reports, status and own-call labels, buttons, the File menu, the
+// where box, the report sources' status bar and the one-second web refresh
+// timer.
 //
 // Window positions, here and in the settings file, are logical
 // (device-independent) pixels of the desktop, the same on every run
@@ -49,8 +53,10 @@ class frmZKR_MUF : public QMainWindow,
     Q_OBJECT
 public:
     static constexpr int PaneCount = 4;
-    // The Map tab comes after the panes' tabs.
+    // The Map tab comes after the panes' tabs, the Reports tab after it (so
+    // that a saved tab index of an older version still means the same tab).
     static constexpr int MapTab = PaneCount;
+    static constexpr int ReportsTab = MapTab + 1;
 
     frmZKR_MUF(ProgramState &state, Platform &platform, QWidget *parent = nullptr);
     ~frmZKR_MUF() override;
@@ -65,6 +71,9 @@ public:
     // its committed lines).
     PaneView *displayPane(int index) const;
     MemoryPane &workingPane(int index);
+    // The Reports tab's pane and the working pane behind it.
+    PaneView *reportsPane() const { return reportsView_; }
+    MemoryPane &reportsWorkingPane() { return reportsWorking_; }
     // Commits the working panes and repaints the visible ones.
     void refreshPanes();
     // The status label (caption and &H00BBGGRR background, made visible)
@@ -85,6 +94,8 @@ public:
     SpotSources &sources() { return *sources_; }
     // The Es watch with its strip and Map tab.
     EsWatchLink &esWatch() { return *watchLink_; }
+    // WSJT-X, PSK Reporter, the decode log and the call book.
+    ReportSources &reports() { return *reports_; }
     SetupDialogLink &setupDialog() { return *setupDialog_; }
     frmZKR_MUF_Setup &setupWindow() { return *setup_; }
     // The About window, created on first use.
@@ -103,6 +114,11 @@ public:
     // Clears the clipboard and puts the visible pane's selection on it, or
     // its whole text when nothing is selected.
     void Copy_Click();
+    // File menu.
+    void OpenDecodeLog_Click();
+    void ReplaySpotFile_Click();
+    // The where box: what the call book knows of the call typed.
+    void WhereCall_Enter();
 
     // StartupWindow
     void setMainCaption(const QString &caption) override;
@@ -154,6 +170,7 @@ private:
     static QFont paneFont(int pointSize);
 
     void buildControls();
+    void buildMenuAndStatusBar();
     void applyColours();
     void applyModeSettings(bool secondPass);
     void clearPanes();
@@ -175,6 +192,7 @@ private:
     frmInfo *info_ = nullptr;
     std::unique_ptr<SpotSources> sources_;
     EsWatchLink *watchLink_ = nullptr;
+    std::unique_ptr<ReportSources> reports_;
     QVBoxLayout *column_ = nullptr;
     bool unloading_ = false;
 
@@ -199,6 +217,13 @@ private:
     QLabel *Label2_ = nullptr;
     QAction *copyAction_ = nullptr;
     QAction *exportAction_ = nullptr;
+    PaneView *reportsView_ = nullptr;
+    MemoryPane reportsWorking_;
+    QLineEdit *text_WhereCall_ = nullptr;
+    ElidedLabel *Label_WhereAnswer_ = nullptr;
+    ElidedLabel *Label_WsjtxStatus_ = nullptr;
+    ElidedLabel *Label_PskStatus_ = nullptr;
+    ElidedLabel *Label_ReportNotice_ = nullptr;
 };
 
 } // namespace zkr

@@ -459,7 +459,7 @@ TEST(EsWatchWindow, AlertStripMapAndSelectionInTheAllPane) {
     EXPECT_EQ(link.strip().background(), 0xC000C0u);
 
     QTabWidget *tabs = rig.window.SSTab1();
-    ASSERT_EQ(tabs->count(), 5);
+    ASSERT_EQ(tabs->count(), 6); // the panes, Map, Reports
     tabs->setCurrentIndex(frmZKR_MUF::MapTab);
     rig.platform.setClipboardText("kept");
     rig.window.Copy_Click();

@@ -20,7 +20,7 @@ struct CallBookEntry;
 // name), when it came, its fields, the Es results, its approximate path and
 // the printed runs, so that a spot read back prints exactly as it did.
 // Reception reports have a table of their own that keeps only what came in
-// (about 55 bytes a report); their Es path is computed again when read.
+// (about 60 bytes a report); their Es path is computed again when read.
 class HistoryDatabase {
 public:
     using SpotVisitor = std::function<bool(const EvaluatedSpot &, const QString &source)>;

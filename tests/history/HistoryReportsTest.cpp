@@ -77,7 +77,7 @@ TEST_F(HistoryReportsTest, ReportReadsBackAsItCameAndARepeatIsStoredOnce) {
     for (const qint64 deleted : {6, 6, 2, 0}) { // 10 and 4 of the repeats
         EXPECT_EQ(db.pruneReports(cutoff, 6), deleted);
     }
-    EXPECT_EQ(reportsOf(db).front(), written.at(10));
+    EXPECT_EQ(reportsOf(db).at(0), written.at(10));
 }
 
 TEST_F(HistoryReportsTest, StartRestoresTheBookAndTheReportsOfTheLastHours) {

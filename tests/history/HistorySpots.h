@@ -40,12 +40,8 @@ inline Reception historyReport(int i, const QDateTime &time) {
     Reception report;
     report.source = static_cast<ReportSource>(i % 3);
     report.time = time;
-    report.frequencyMhz = (50313000 + i % 2500) / 1e6;
-    report.mode = QStringLiteral("FT8");
-    if (i % 4 == 3) {
-        report.frequencyMhz = (144174000 + i % 2500) / 1e6;
-        report.mode = QStringLiteral("FT4");
-    }
+    report.frequencyMhz = ((i % 4 == 3 ? 144174000 : 50313000) + i % 2500) / 1e6;
+    report.mode = i % 4 == 3 ? QStringLiteral("FT4") : QStringLiteral("FT8");
     report.snr = i % 5 == 4 ? std::optional<int>() : i % 30 - 20;
     report.tx = {QStringLiteral("EA%1AB").arg(i % 9000), QString::fromLatin1(Locators[i % 6])};
     report.rx = {QStringLiteral("DL%1XY").arg(i % 700), QString::fromLatin1(Locators[(i + 1) % 6])};

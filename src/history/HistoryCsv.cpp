@@ -71,19 +71,51 @@ QString locatorCell(const QString &locator) {
     return locator.endsWith(QLatin1String("??")) ? locator.chopped(2) : locator;
 }
 
-// What a cell is made from.
+QLatin1String locatedName(Located how) {
+    switch (how) {
+    case Located::Comment:
+        return QLatin1String("comment");
+    case Located::CallBook:
+        return QLatin1String("callbook");
+    case Located::Country:
+        return QLatin1String("country");
+    }
+    return {};
+}
+
+// What a cell is made from: a spot and the name of its source, or a report.
 struct Row {
-    const EvaluatedSpot &spot;
-    const QString &source;
+    const EvaluatedSpot *spot = nullptr;
+    const Reception *report = nullptr;
+    QString source;
+
+    // The spot's or the report's value: `report` of a report, else `spot`.
+    template <typename Spot, typename Report> QString cell(Spot ofSpot, Report ofReport) const {
+        return spot != nullptr ? ofSpot(*spot) : ofReport(*report);
+    }
+    // The exact path, else a spot's approximate one (marked in the row).
+    const EsPath *es() const {
+        if (report != nullptr) {
+            return report->es ? &*report->es : nullptr;
+        }
+        return spot->es ? &*spot->es : (spot->approximate ? &spot->approximate->es : nullptr);
+    }
+    bool approximate() const { return spot != nullptr && !spot->es && spot->approximate; }
 };
+
+QString nothing(const Reception &) {
+    return {};
+}
 
 // An Es result, or an empty cell when no path was computed.
 QString esNumber(const Row &row, double EsPath::*value, int decimals) {
-    return row.spot.es ? number((*row.spot.es).*value, decimals) : QString();
+    const EsPath *es = row.es();
+    return es != nullptr ? number(es->*value, decimals) : QString();
 }
 
 QString esText(const Row &row, QString EsPath::*value) {
-    return row.spot.es ? (*row.spot.es).*value : QString();
+    const EsPath *es = row.es();
+    return es != nullptr ? es->*value : QString();
 }
 
 struct Column {
@@ -91,40 +123,108 @@ struct Column {
     QString (*cell)(const Row &row);
 };
 
-// One entry per column, in the file's order. A value that does not exist
-// is an empty cell, never a 0 a spreadsheet would count.
+// One entry per column, in the file's order; columns added later go at the
+// end, so that a sheet that reads a column by its place still finds it. A
+// value that does not exist is an empty cell, never a 0 a spreadsheet would
+// count. A report fills the spot's columns with its receiver as the
+// spotter (and locator1) and its transmitter as the DX (and locator2).
 const Column Columns[] = {
-    {"received_utc", [](const Row &row) { return utc(row.spot.received); }},
-    {"spot_time_utc", [](const Row &row) { return utc(row.spot.spotTimeUtc()); }},
-    {"source", [](const Row &row) { return row.source; }},
-    {"spotter", [](const Row &row) { return spotterCall(row.spot.spotter); }},
+    {"received_utc",
+     [](const Row &row) {
+         return row.cell([](const EvaluatedSpot &spot) { return utc(spot.received); },
+                         [](const Reception &report) { return utc(report.received); });
+     }},
+    {"spot_time_utc",
+     [](const Row &row) {
+         return row.cell([](const EvaluatedSpot &spot) { return utc(spot.spotTimeUtc()); },
+                         [](const Reception &report) { return utc(report.time); });
+     }},
+    {"source",
+     [](const Row &row) {
+         return row.report != nullptr ? QString(reportSourceName(row.report->source)) : row.source;
+     }},
+    {"spotter",
+     [](const Row &row) {
+         return row.cell([](const EvaluatedSpot &spot) { return spotterCall(spot.spotter); },
+                         [](const Reception &report) { return report.rx.call; });
+     }},
+    // A report's frequency to the Hz.
     {"frequency_mhz",
-     [](const Row &row) { return number(row.spot.frequencyMhz, 4); }},
-    {"dx", [](const Row &row) { return row.spot.dxCall; }},
-    {"comment", [](const Row &row) { return commentText(row.spot); }},
+     [](const Row &row) {
+         return row.cell([](const EvaluatedSpot &spot) { return number(spot.frequencyMhz, 4); },
+                         [](const Reception &report) { return number(report.frequencyMhz, 6); });
+     }},
+    {"dx",
+     [](const Row &row) {
+         return row.cell([](const EvaluatedSpot &spot) { return spot.dxCall; },
+                         [](const Reception &report) { return report.tx.call; });
+     }},
+    {"comment", [](const Row &row) { return row.cell(commentText, nothing); }},
     {"mode",
      [](const Row &row) {
-         return row.spot.mode == QLatin1String("??") ? QString() : row.spot.mode;
+         return row.cell(
+             [](const EvaluatedSpot &spot) {
+                 return spot.mode == QLatin1String("??") ? QString() : spot.mode;
+             },
+             [](const Reception &report) { return report.mode; });
      }},
-    {"locator1", [](const Row &row) { return locatorCell(row.spot.locator1); }},
-    {"locator2", [](const Row &row) { return locatorCell(row.spot.locator2); }},
+    {"locator1",
+     [](const Row &row) {
+         return row.cell([](const EvaluatedSpot &spot) { return locatorCell(spot.locator1); },
+                         [](const Reception &report) { return report.rx.locator; });
+     }},
+    {"locator2",
+     [](const Row &row) {
+         return row.cell([](const EvaluatedSpot &spot) { return locatorCell(spot.locator2); },
+                         [](const Reception &report) { return report.tx.locator; });
+     }},
     {"cloud", [](const Row &row) { return esText(row, &EsPath::cloud); }},
     {"muf_mhz", [](const Row &row) { return esNumber(row, &EsPath::muf, 2); }},
     {"critical_mhz", [](const Row &row) { return esNumber(row, &EsPath::critical, 2); }},
     // Below the own horizon the cloud gives no FOT at all.
     {"fot_mhz",
      [](const Row &row) {
-         return row.spot.es && row.spot.es->ownMuf > 0 ? esNumber(row, &EsPath::ownMuf, 2)
-                                                       : QString();
+         return row.es() != nullptr && row.es()->ownMuf > 0 ? esNumber(row, &EsPath::ownMuf, 2)
+                                                            : QString();
      }},
     {"azimuth", [](const Row &row) { return esNumber(row, &EsPath::azimuth, 1); }},
     {"elevation", [](const Row &row) { return esNumber(row, &EsPath::elevation, 1); }},
     {"far", [](const Row &row) { return esText(row, &EsPath::far); }},
     {"path_km", [](const Row &row) { return esNumber(row, &EsPath::pathKm, 0); }},
     {"own_km", [](const Row &row) { return esNumber(row, &EsPath::ownKm, 0); }},
-    {"panes", [](const Row &row) { return paneNames(row.spot.panes); }},
-    {"line", [](const Row &row) { return row.spot.line; }},
+    {"panes",
+     [](const Row &row) {
+         return row.cell([](const EvaluatedSpot &spot) { return paneNames(spot.panes); }, nothing);
+     }},
+    {"line",
+     [](const Row &row) {
+         return row.cell([](const EvaluatedSpot &spot) { return spot.line; }, nothing);
+     }},
+    {"snr_db",
+     [](const Row &row) {
+         return row.report != nullptr && row.report->snr ? QString::number(*row.report->snr)
+                                                         : QString();
+     }},
+    // The Es cells hold the approximate path of a spot without an exact one.
+    {"approximate",
+     [](const Row &row) { return row.approximate() ? QStringLiteral("yes") : QString(); }},
+    // How the spotter's and the DX's end were put: "callbook/country".
+    {"located",
+     [](const Row &row) {
+         return row.approximate() ? locatedName(row.spot->approximate->spotter) + QLatin1Char('/') +
+                                        locatedName(row.spot->approximate->dx)
+                                  : QString();
+     }},
 };
+
+QString csvRow(const Row &row) {
+    QStringList cells;
+    cells.reserve(static_cast<qsizetype>(std::size(Columns)));
+    for (const Column &column : Columns) {
+        cells.append(field(column.cell(row)));
+    }
+    return cells.join(Separator) + RowEnd;
+}
 
 } // namespace
 
@@ -137,16 +237,16 @@ QString historyCsvHeader() {
 }
 
 QString historyCsvRow(const EvaluatedSpot &spot, const QString &source) {
-    QStringList cells;
-    cells.reserve(static_cast<qsizetype>(std::size(Columns)));
-    for (const Column &column : Columns) {
-        cells.append(field(column.cell(Row{spot, source})));
-    }
-    return cells.join(Separator) + RowEnd;
+    return csvRow(Row{&spot, nullptr, source});
+}
+
+QString historyCsvRow(const Reception &report) {
+    return csvRow(Row{nullptr, &report, {}});
 }
 
 std::optional<qint64> exportHistoryCsv(HistoryDatabase &database, const QDateTime &from,
-                                       const QDateTime &to, QIODevice &out, QString &error) {
+                                       const QDateTime &to, QIODevice &out, QString &error,
+                                       const QString &ownLocator) {
     // The byte-order mark tells spreadsheet programs the text is UTF-8, so
     // that accents in comments read right.
     if (out.write(QByteArrayLiteral("\xEF\xBB\xBF") + historyCsvHeader().toUtf8()) < 0) {
@@ -155,13 +255,21 @@ std::optional<qint64> exportHistoryCsv(HistoryDatabase &database, const QDateTim
     }
     qint64 rows = 0;
     bool written = true;
-    const bool read = database.read(from.toMSecsSinceEpoch(), to.toMSecsSinceEpoch(),
-                                    [&](const EvaluatedSpot &spot, const QString &source) {
-                                        written =
-                                            out.write(historyCsvRow(spot, source).toUtf8()) >= 0;
-                                        rows += written ? 1 : 0;
-                                        return written;
-                                    });
+    const auto write = [&](const QString &row) {
+        written = out.write(row.toUtf8()) >= 0;
+        rows += written ? 1 : 0;
+        return written;
+    };
+    const bool read = database.read(
+        from.toMSecsSinceEpoch(), to.toMSecsSinceEpoch(),
+        [&](const EvaluatedSpot &spot, const QString &source) {
+            return write(historyCsvRow(spot, source));
+        },
+        [&](const Reception &stored) {
+            Reception report = stored;
+            Evaluate_Reception(report, ownLocator);
+            return write(historyCsvRow(report));
+        });
     if (!written) {
         error = out.errorString();
         return std::nullopt;

@@ -3,6 +3,7 @@
 #include "CallBook.h"
 
 #include <QCryptographicHash>
+#include <QDataStream>
 #include <QDir>
 #include <QFileInfo>
 #include <QLockFile>
@@ -13,6 +14,7 @@
 
 #include <algorithm>
 #include <atomic>
+#include <cmath>
 #include <limits>
 
 namespace zkr {
@@ -22,12 +24,57 @@ namespace {
 // Marks a file as ours in its header ("ZKRM"), so that a path pointing at
 // any other database is refused instead of altered.
 constexpr qint64 ApplicationId = 0x5A4B524D;
-constexpr int SchemaVersion = 1;
+// 2: the spot's approximate path, the report table.
+constexpr int SchemaVersion = 2;
 
 const QString Columns = QStringLiteral(
     "received, spot_minute, line_key, source, line, spotter, frequency, dx, comment, time, "
     "tail1, tail2, locator1, locator2, mode, cloud, muf, critical, own_muf, azimuth, elevation, "
     "far, path_km, own_km, panes, es_printed, error, printed, colours");
+
+// A report keeps what came in, in the smallest types SQLite has: the time in
+// seconds, the frequency in Hz, the source as a number, when it was received
+// as milliseconds after its time (0, no bytes, for a log line). The key is
+// what makes a report a repeat and sorts the rows by time, so the table
+// needs no index: restore, prune and export read a range of the key.
+const QString ReportTable = QStringLiteral(
+    "CREATE TABLE IF NOT EXISTS report (time INTEGER NOT NULL, source INTEGER NOT NULL, "
+    "tx_call TEXT NOT NULL, rx_call TEXT NOT NULL, frequency INTEGER NOT NULL, mode TEXT NOT "
+    "NULL, snr INTEGER, tx_locator TEXT NOT NULL, rx_locator TEXT NOT NULL, own INTEGER NOT "
+    "NULL, received INTEGER, PRIMARY KEY (time, source, tx_call, rx_call, frequency)) "
+    "WITHOUT ROWID");
+const QString ReportColumns = QStringLiteral(
+    "time, source, tx_call, rx_call, frequency, mode, snr, tx_locator, rx_locator, own, received");
+
+// Fixed numbers in the file, whatever order the enum has.
+int reportSourceCode(ReportSource source) {
+    switch (source) {
+    case ReportSource::Wsjtx:
+        return 0;
+    case ReportSource::AllTxt:
+        return 1;
+    case ReportSource::PskReporter:
+        return 2;
+    }
+    return -1;
+}
+
+std::optional<ReportSource> reportSourceOfCode(qint64 code) {
+    for (const ReportSource source :
+         {ReportSource::Wsjtx, ReportSource::AllTxt, ReportSource::PskReporter}) {
+        if (reportSourceCode(source) == code) {
+            return source;
+        }
+    }
+    return std::nullopt;
+}
+
+// The first whole second at or after `ms`: a report of second s lies in a
+// range from `ms` when s * 1000 >= ms.
+qint64 secondsFrom(qint64 ms) {
+    const qint64 seconds = ms / 1000 - (ms % 1000 < 0 ? 1 : 0);
+    return ms % 1000 == 0 ? seconds : seconds + 1;
+}
 
 QString nextConnectionName() {
     static std::atomic<int> counter{0};
@@ -117,6 +164,115 @@ const QString CallBookTable = QStringLiteral(
     "CREATE TABLE IF NOT EXISTS callbook (call TEXT PRIMARY KEY, locator TEXT NOT NULL, "
     "learned INTEGER NOT NULL, source TEXT NOT NULL) WITHOUT ROWID");
 
+// The approximate path in a few bytes; NULL for none.
+QVariant encodeApproximate(const std::optional<ApproximatePath> &path) {
+    if (!path) {
+        return {};
+    }
+    QByteArray bytes;
+    QDataStream out(&bytes, QIODevice::WriteOnly);
+    out.setVersion(QDataStream::Qt_6_0);
+    const EsPath &es = path->es;
+    out << static_cast<quint8>(path->spotter) << static_cast<quint8>(path->dx)
+        << path->uncertaintyKm << path->spotterLocator.toUtf8() << path->dxLocator.toUtf8()
+        << es.cloud.toUtf8() << es.muf << es.critical << es.ownMuf << es.azimuth << es.elevation
+        << es.far.toUtf8() << es.pathKm << es.ownKm;
+    return bytes;
+}
+
+std::optional<ApproximatePath> decodeApproximate(const QByteArray &bytes) {
+    if (bytes.isEmpty()) {
+        return std::nullopt;
+    }
+    QDataStream in(bytes);
+    in.setVersion(QDataStream::Qt_6_0);
+    quint8 spotter = 0;
+    quint8 dx = 0;
+    QByteArray spotterLocator;
+    QByteArray dxLocator;
+    QByteArray cloud;
+    QByteArray far;
+    ApproximatePath path;
+    EsPath &es = path.es;
+    in >> spotter >> dx >> path.uncertaintyKm >> spotterLocator >> dxLocator >> cloud >> es.muf >>
+        es.critical >> es.ownMuf >> es.azimuth >> es.elevation >> far >> es.pathKm >> es.ownKm;
+    const auto located = [](quint8 value) {
+        return value <= static_cast<quint8>(Located::Country);
+    };
+    if (in.status() != QDataStream::Ok || !in.atEnd() || !located(spotter) || !located(dx)) {
+        return std::nullopt;
+    }
+    path.spotter = static_cast<Located>(spotter);
+    path.dx = static_cast<Located>(dx);
+    path.spotterLocator = QString::fromUtf8(spotterLocator);
+    path.dxLocator = QString::fromUtf8(dxLocator);
+    es.cloud = QString::fromUtf8(cloud);
+    es.far = QString::fromUtf8(far);
+    return path;
+}
+
+EvaluatedSpot spotOf(const QSqlQuery &query, QString &source) {
+    EvaluatedSpot spot;
+    spot.received = QDateTime::fromMSecsSinceEpoch(query.value(0).toLongLong(), Qt::UTC);
+    source = query.value(3).toString();
+    spot.line = query.value(4).toString();
+    spot.spotter = query.value(5).toString();
+    spot.frequencyMhz = query.value(6).toDouble();
+    spot.frequency = static_cast<float>(spot.frequencyMhz);
+    spot.dxCall = query.value(7).toString();
+    spot.comment = query.value(8).toString();
+    spot.time = query.value(9).toString();
+    spot.tail1 = query.value(10).toString();
+    spot.tail2 = query.value(11).toString();
+    spot.locator1 = query.value(12).toString();
+    spot.locator2 = query.value(13).toString();
+    spot.mode = query.value(14).toString();
+    if (!query.isNull(15)) {
+        spot.es = EsPath{
+            query.value(15).toString(), query.value(16).toDouble(), query.value(17).toDouble(),
+            query.value(18).toDouble(), query.value(19).toDouble(), query.value(20).toDouble(),
+            query.value(21).toString(), query.value(22).toDouble(), query.value(23).toDouble()};
+    }
+    spot.panes = query.value(24).toUInt();
+    spot.esResultPrinted = query.value(25).toInt() != 0;
+    spot.error = query.value(26).toString();
+    if (!decodeRuns(spot.line, query.value(27).toString(), query.value(28).toByteArray(),
+                    spot.runs)) {
+        // A row whose runs do not add up prints nothing rather than garbage.
+        spot.runs.clear();
+        spot.panes = 0;
+    }
+    spot.approximate = decodeApproximate(query.value(29).toByteArray());
+    return spot;
+}
+
+// nullopt for a source this version does not know.
+std::optional<Reception> reportOf(const QSqlQuery &query) {
+    const auto source = reportSourceOfCode(query.value(1).toLongLong());
+    if (!source) {
+        return std::nullopt;
+    }
+    Reception report;
+    report.source = *source;
+    const qint64 seconds = query.value(0).toLongLong();
+    report.time = QDateTime::fromSecsSinceEpoch(seconds, Qt::UTC);
+    report.tx.call = query.value(2).toString();
+    report.rx.call = query.value(3).toString();
+    report.frequencyMhz = static_cast<double>(query.value(4).toLongLong()) / 1e6;
+    report.mode = query.value(5).toString();
+    if (!query.isNull(6)) {
+        report.snr = query.value(6).toInt();
+    }
+    report.tx.locator = query.value(7).toString();
+    report.rx.locator = query.value(8).toString();
+    report.atOwnStation = query.value(9).toInt() != 0;
+    if (!query.isNull(10)) {
+        report.received =
+            QDateTime::fromMSecsSinceEpoch(seconds * 1000 + query.value(10).toLongLong(), Qt::UTC);
+    }
+    return report;
+}
+
 QVariant optionalText(const std::optional<EsPath> &es, QString EsPath::*field) {
     return es ? QVariant((*es).*field) : QVariant();
 }
@@ -140,6 +296,9 @@ bool HistoryDatabase::isOpen() const {
 void HistoryDatabase::close() {
     insert_.reset();
     writeCallBook_.reset();
+    insertReport_.reset();
+    hasApproximate_ = false;
+    hasReports_ = false;
     if (QSqlDatabase::contains(connection_)) {
         {
             QSqlDatabase db = database(connection_);
@@ -166,6 +325,19 @@ bool HistoryDatabase::exec(const QString &sql) {
         return false;
     }
     return true;
+}
+
+bool HistoryDatabase::has(const QString &table, const QString &column) {
+    QSqlQuery query(database(connection_));
+    query.prepare(column.isEmpty()
+                      ? QStringLiteral("SELECT count(*) FROM sqlite_master WHERE type = 'table' "
+                                       "AND name = ?")
+                      : QStringLiteral("SELECT count(*) FROM pragma_table_info(?) WHERE name = ?"));
+    query.addBindValue(table);
+    if (!column.isEmpty()) {
+        query.addBindValue(column);
+    }
+    return query.exec() && query.next() && query.value(0).toLongLong() > 0;
 }
 
 bool HistoryDatabase::open(const QString &path, Access access) {
@@ -234,11 +406,14 @@ bool HistoryDatabase::open(const QString &path, Access access) {
                 "time TEXT, tail1 TEXT, tail2 TEXT, locator1 TEXT, locator2 TEXT, mode TEXT, "
                 "cloud TEXT, muf REAL, critical REAL, own_muf REAL, azimuth REAL, elevation "
                 "REAL, far TEXT, path_km REAL, own_km REAL, panes INTEGER, es_printed INTEGER, "
-                "error TEXT, printed TEXT, colours BLOB)")) &&
+                "error TEXT, printed TEXT, colours BLOB, approximate BLOB)")) &&
+            // A file of the first version gains what it lacks; its spots stay.
+            (has(QStringLiteral("spot"), QStringLiteral("approximate")) ||
+             exec(QStringLiteral("ALTER TABLE spot ADD COLUMN approximate BLOB"))) &&
             exec(QStringLiteral("CREATE UNIQUE INDEX IF NOT EXISTS spot_repeat ON spot "
                                 "(spot_minute, line_key)")) &&
             exec(QStringLiteral("CREATE INDEX IF NOT EXISTS spot_received ON spot (received)")) &&
-            exec(CallBookTable) &&
+            exec(CallBookTable) && exec(ReportTable) &&
             exec(QStringLiteral("PRAGMA application_id=%1").arg(ApplicationId)) &&
             exec(QStringLiteral("PRAGMA user_version=%1").arg(SchemaVersion)) && commit();
         if (!created) {
@@ -249,6 +424,8 @@ bool HistoryDatabase::open(const QString &path, Access access) {
     if (!query.exec(QStringLiteral("SELECT max(id) FROM spot"))) {
         return fail(Failure::Damaged, query.lastError().text());
     }
+    hasApproximate_ = has(QStringLiteral("spot"), QStringLiteral("approximate"));
+    hasReports_ = has(QStringLiteral("report"));
     return true;
 }
 
@@ -265,8 +442,8 @@ bool HistoryDatabase::insert(const EvaluatedSpot &spot, const QString &source) {
         // Prepared once: a flood inserts thousands a second.
         insert_ = std::make_unique<QSqlQuery>(database(connection_));
         if (!insert_->prepare(QStringLiteral("INSERT OR IGNORE INTO spot (") + Columns +
-                              QStringLiteral(") VALUES (?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,"
-                                             "?,?,?,?,?,?,?,?,?)"))) {
+                              QStringLiteral(", approximate) VALUES (?,?,?,?,?,?,?,?,?,?,?,?,?,?,"
+                                             "?,?,?,?,?,?,?,?,?,?,?,?,?,?,?,?)"))) {
             error_ = insert_->lastError().text();
             insert_.reset();
             return false;
@@ -304,7 +481,8 @@ bool HistoryDatabase::insert(const EvaluatedSpot &spot, const QString &source) {
                               spot.esResultPrinted ? 1 : 0,
                               spot.error.isEmpty() ? QVariant() : QVariant(spot.error),
                               printed.text,
-                              printed.colours};
+                              printed.colours,
+                              encodeApproximate(spot.approximate)};
     for (int i = 0; i < values.size(); ++i) {
         query.bindValue(i, values.at(i));
     }
@@ -315,58 +493,64 @@ bool HistoryDatabase::insert(const EvaluatedSpot &spot, const QString &source) {
     return true;
 }
 
-bool HistoryDatabase::read(
-    qint64 fromMs, qint64 toMs,
-    const std::function<bool(const EvaluatedSpot &, const QString &source)> &visit) {
-    QSqlQuery query(database(connection_));
-    query.setForwardOnly(true);
-    query.prepare(QStringLiteral("SELECT ") + Columns +
-                  QStringLiteral(" FROM spot WHERE received >= ? AND received < ? "
-                                 "ORDER BY received, id"));
-    query.addBindValue(fromMs);
-    query.addBindValue(toMs);
-    if (!query.exec()) {
+bool HistoryDatabase::read(qint64 fromMs, qint64 toMs, const SpotVisitor &spots,
+                           const ReportVisitor &reports) {
+    QSqlQuery spotRows(database(connection_));
+    QSqlQuery reportRows(database(connection_));
+    spotRows.setForwardOnly(true);
+    reportRows.setForwardOnly(true);
+    const auto fault = [this](const QSqlQuery &query) {
         error_ = query.lastError().text();
         return false;
+    };
+    bool spot = false;
+    bool report = false;
+    if (spots) {
+        spotRows.prepare(
+            QStringLiteral("SELECT ") + Columns +
+            (hasApproximate_ ? QStringLiteral(", approximate") : QStringLiteral(", NULL")) +
+            QStringLiteral(" FROM spot WHERE received >= ? AND received < ? "
+                           "ORDER BY received, id"));
+        spotRows.addBindValue(fromMs);
+        spotRows.addBindValue(toMs);
+        if (!spotRows.exec()) {
+            return fault(spotRows);
+        }
+        spot = spotRows.next();
     }
-    while (query.next()) {
-        EvaluatedSpot spot;
-        spot.received = QDateTime::fromMSecsSinceEpoch(query.value(0).toLongLong(), Qt::UTC);
-        const QString source = query.value(3).toString();
-        spot.line = query.value(4).toString();
-        spot.spotter = query.value(5).toString();
-        spot.frequencyMhz = query.value(6).toDouble();
-        spot.frequency = static_cast<float>(spot.frequencyMhz);
-        spot.dxCall = query.value(7).toString();
-        spot.comment = query.value(8).toString();
-        spot.time = query.value(9).toString();
-        spot.tail1 = query.value(10).toString();
-        spot.tail2 = query.value(11).toString();
-        spot.locator1 = query.value(12).toString();
-        spot.locator2 = query.value(13).toString();
-        spot.mode = query.value(14).toString();
-        if (!query.isNull(15)) {
-            spot.es = EsPath{
-                query.value(15).toString(), query.value(16).toDouble(), query.value(17).toDouble(),
-                query.value(18).toDouble(), query.value(19).toDouble(), query.value(20).toDouble(),
-                query.value(21).toString(), query.value(22).toDouble(), query.value(23).toDouble()};
+    if (reports && hasReports_) {
+        reportRows.prepare(QStringLiteral("SELECT ") + ReportColumns +
+                           QStringLiteral(" FROM report WHERE time >= ? AND time < ? ORDER BY "
+                                          "time, source, tx_call, rx_call, frequency"));
+        reportRows.addBindValue(secondsFrom(fromMs));
+        reportRows.addBindValue(secondsFrom(toMs));
+        if (!reportRows.exec()) {
+            return fault(reportRows);
         }
-        spot.panes = query.value(24).toUInt();
-        spot.esResultPrinted = query.value(25).toInt() != 0;
-        spot.error = query.value(26).toString();
-        if (!decodeRuns(spot.line, query.value(27).toString(), query.value(28).toByteArray(),
-                        spot.runs)) {
-            // A row whose runs do not add up prints nothing rather than garbage.
-            spot.runs.clear();
-            spot.panes = 0;
-        }
-        if (!visit(spot, source)) {
-            break;
+        report = reportRows.next();
+    }
+    // Two cursors, each in time order, merged.
+    while (spot || report) {
+        if (spot && (!report ||
+                     spotRows.value(0).toLongLong() <= reportRows.value(0).toLongLong() * 1000)) {
+            QString source;
+            if (!spots(spotOf(spotRows, source), source)) {
+                return true;
+            }
+            spot = spotRows.next();
+        } else {
+            const std::optional<Reception> heard = reportOf(reportRows);
+            if (heard && !reports(*heard)) {
+                return true;
+            }
+            report = reportRows.next();
         }
     }
-    if (query.lastError().isValid()) {
-        error_ = query.lastError().text();
-        return false;
+    if (spotRows.lastError().isValid()) {
+        return fault(spotRows);
+    }
+    if (reportRows.lastError().isValid()) {
+        return fault(reportRows);
     }
     return true;
 }
@@ -414,6 +598,107 @@ QString HistoryDatabase::integrityCheck() {
         found.append(query.value(0).toString());
     }
     return found.join(QLatin1Char('\n'));
+}
+
+bool HistoryDatabase::insertReport(const Reception &report) {
+    if (!report.time.isValid()) {
+        error_ = QStringLiteral("a report without a time");
+        return false;
+    }
+    if (insertReport_ == nullptr) {
+        insertReport_ = std::make_unique<QSqlQuery>(database(connection_));
+        if (!insertReport_->prepare(QStringLiteral("INSERT OR IGNORE INTO report (") +
+                                    ReportColumns +
+                                    QStringLiteral(") VALUES (?,?,?,?,?,?,?,?,?,?,?)"))) {
+            error_ = insertReport_->lastError().text();
+            insertReport_.reset();
+            return false;
+        }
+    }
+    QSqlQuery &query = *insertReport_;
+    const qint64 seconds = report.time.toSecsSinceEpoch();
+    const QVariantList values{seconds,
+                              reportSourceCode(report.source),
+                              report.tx.call,
+                              report.rx.call,
+                              static_cast<qint64>(std::llround(report.frequencyMhz * 1e6)),
+                              report.mode,
+                              report.snr ? QVariant(*report.snr) : QVariant(),
+                              report.tx.locator,
+                              report.rx.locator,
+                              report.atOwnStation ? 1 : 0,
+                              report.received.isValid()
+                                  ? QVariant(report.received.toMSecsSinceEpoch() - seconds * 1000)
+                                  : QVariant()};
+    for (int i = 0; i < values.size(); ++i) {
+        query.bindValue(i, values.at(i));
+    }
+    if (!query.exec()) {
+        error_ = query.lastError().text();
+        return false;
+    }
+    return true;
+}
+
+bool HistoryDatabase::readNewestReports(qint64 fromMs, qint64 limit, const ReportVisitor &visit) {
+    if (!hasReports_ || limit <= 0) {
+        return true;
+    }
+    QSqlQuery query(database(connection_));
+    // The second of the limit-th newest report; reports of that second
+    // beyond the limit are skipped, the oldest first.
+    query.prepare(QStringLiteral("SELECT time FROM report ORDER BY time DESC LIMIT 1 OFFSET ?"));
+    query.addBindValue(limit - 1);
+    if (!query.exec()) {
+        error_ = query.lastError().text();
+        return false;
+    }
+    const qint64 from =
+        query.next() ? std::max(fromMs, query.value(0).toLongLong() * 1000) : fromMs;
+    query.prepare(QStringLiteral("SELECT count(*) FROM report WHERE time >= ?"));
+    query.addBindValue(secondsFrom(from));
+    if (!query.exec() || !query.next()) {
+        error_ = query.lastError().text();
+        return false;
+    }
+    qint64 skip = query.value(0).toLongLong() - limit;
+    query.finish();
+    return read(from, std::numeric_limits<qint64>::max(), {}, [&](const Reception &report) {
+        if (skip > 0) {
+            --skip;
+            return true;
+        }
+        return visit(report);
+    });
+}
+
+qint64 HistoryDatabase::pruneReports(qint64 beforeMs, int limit) {
+    if (!hasReports_) {
+        return 0;
+    }
+    QSqlQuery query(database(connection_));
+    query.prepare(QStringLiteral(
+        "DELETE FROM report WHERE (time, source, tx_call, rx_call, frequency) IN (SELECT time, "
+        "source, tx_call, rx_call, frequency FROM report WHERE time < ? ORDER BY time LIMIT ?)"));
+    query.addBindValue(secondsFrom(beforeMs));
+    query.addBindValue(limit);
+    if (!query.exec()) {
+        error_ = query.lastError().text();
+        return -1;
+    }
+    return query.numRowsAffected();
+}
+
+qint64 HistoryDatabase::countReports() {
+    QSqlQuery query(database(connection_));
+    if (!hasReports_) {
+        return 0;
+    }
+    if (!query.exec(QStringLiteral("SELECT count(*) FROM report")) || !query.next()) {
+        error_ = query.lastError().text();
+        return -1;
+    }
+    return query.value(0).toLongLong();
 }
 
 bool HistoryDatabase::writeCallBook(const QList<CallBookEntry> &entries) {
@@ -477,6 +762,14 @@ bool HistoryDatabase::readCallBook(const std::function<bool(const CallBookEntry 
 
 qint64 HistoryDatabase::pruneCallBook(qint64 keep) {
     QSqlQuery query(database(connection_));
+    // Counting is cheaper than sorting the whole book at every start.
+    if (!query.exec(QStringLiteral("SELECT count(*) FROM callbook")) || !query.next()) {
+        error_ = query.lastError().text();
+        return -1;
+    }
+    if (query.value(0).toLongLong() <= keep) {
+        return 0;
+    }
     query.prepare(QStringLiteral("DELETE FROM callbook WHERE call IN (SELECT call FROM callbook "
                                  "ORDER BY learned DESC LIMIT -1 OFFSET ?)"));
     query.addBindValue(std::max<qint64>(keep, 0));

@@ -1,6 +1,7 @@
 #pragma once
 
 #include "EvaluatedSpot.h"
+#include "Reception.h"
 
 #include <QString>
 
@@ -16,10 +17,15 @@ struct CallBookEntry;
 
 // The spot history file: one SQLite connection, used by one thread only.
 // Rows hold the spot's line, its source ("web", "file" or the cluster's
-// name), when it came, its fields, the Es results and the printed runs, so
-// that a spot read back prints exactly as it did.
+// name), when it came, its fields, the Es results, its approximate path and
+// the printed runs, so that a spot read back prints exactly as it did.
+// Reception reports have a table of their own that keeps only what came in
+// (about 60 bytes a report); their Es path is computed again when read.
 class HistoryDatabase {
 public:
+    using SpotVisitor = std::function<bool(const EvaluatedSpot &, const QString &source)>;
+    using ReportVisitor = std::function<bool(const Reception &)>;
+
     enum class Access {
         Writer, // takes the lock beside the file: one program writes at a time
         Reader, // reads beside a running program (export)
@@ -44,10 +50,12 @@ public:
     // Stores one spot unless the same line from the same source was stored
     // for the same spot minute; true also for such a repeat.
     bool insert(const EvaluatedSpot &spot, const QString &source);
-    // Spots received in [fromMs, toMs) (milliseconds since the epoch, UTC),
-    // oldest first; `visit` returns false to stop.
-    bool read(qint64 fromMs, qint64 toMs,
-              const std::function<bool(const EvaluatedSpot &, const QString &source)> &visit);
+    // Spots received and, with `reports`, reports heard in [fromMs, toMs)
+    // (milliseconds since the epoch, UTC), merged oldest first (a spot before
+    // a report of the same time); a visitor returns false to stop. Reports
+    // come without `es`.
+    bool read(qint64 fromMs, qint64 toMs, const SpotVisitor &spots,
+              const ReportVisitor &reports = {});
     // When the `n`-th newest spot was received, or the earliest possible
     // time when there are fewer.
     qint64 startOfNewest(qint64 n);
@@ -55,6 +63,19 @@ public:
     // deleted, or -1 on failure.
     qint64 prune(qint64 beforeMs, int limit);
     qint64 count();
+
+    // Stores one report unless a report from the same source, of the same
+    // second, transmitter, receiver and frequency (Hz) is stored (a log
+    // replayed again); true also for such a repeat. false for a report
+    // without a time.
+    bool insertReport(const Reception &report);
+    // The newest `limit` reports heard since `fromMs`, oldest first,
+    // without `es`.
+    bool readNewestReports(qint64 fromMs, qint64 limit, const ReportVisitor &visit);
+    // Deletes at most `limit` reports heard before `beforeMs`; the number
+    // deleted, or -1 on failure.
+    qint64 pruneReports(qint64 beforeMs, int limit);
+    qint64 countReports();
     // "ok", or what SQLite found wrong.
     QString integrityCheck();
 
@@ -71,11 +92,16 @@ public:
 private:
     bool exec(const QString &sql);
     bool fail(Failure failure, const QString &what);
+    bool has(const QString &table, const QString &column = QString());
 
     QString connection_;
     std::unique_ptr<QLockFile> lock_;
     std::unique_ptr<QSqlQuery> insert_;
     std::unique_ptr<QSqlQuery> writeCallBook_;
+    std::unique_ptr<QSqlQuery> insertReport_;
+    // What a file of an older version lacks (a reader never adds it).
+    bool hasApproximate_ = false;
+    bool hasReports_ = false;
     Failure failure_ = Failure::None;
     QString error_;
 };

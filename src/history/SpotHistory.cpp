@@ -10,7 +10,7 @@ SpotHistory::~SpotHistory() {
     close();
 }
 
-void SpotHistory::start(const HistorySettings &settings, bool holdLive) {
+void SpotHistory::start(const HistorySettings &settings, bool holdLive, const QString &ownLocator) {
     if (store_ != nullptr) {
         return;
     }
@@ -25,11 +25,23 @@ void SpotHistory::start(const HistorySettings &settings, bool holdLive) {
         Q_EMIT released(held);
     });
     connect(store_.get(), &SpotStore::exportFinished, this, &SpotHistory::exportFinished);
+    connect(store_.get(), &SpotStore::restoredReports, this, &SpotHistory::restoredReports);
+    connect(store_.get(), &SpotStore::callBookRestored, this, &SpotHistory::callBookRestored);
     store_->open(settings.databasePath, settings.retentionDays);
+    store_->setOwnLocator(ownLocator);
+    store_->restoreCallBook(CallBookLimit);
     if (settings.restoreHours > 0) {
         holding_ = holdLive;
-        store_->restore(QDateTime::currentDateTimeUtc().addSecs(-3600LL * settings.restoreHours),
-                        RestoreLimit);
+        const QDateTime since =
+            QDateTime::currentDateTimeUtc().addSecs(-3600LL * settings.restoreHours);
+        store_->restore(since, RestoreLimit);
+        store_->restoreReports(since, ReportRestoreLimit);
+    }
+}
+
+void SpotHistory::setOwnLocator(const QString &locator) {
+    if (store_ != nullptr) {
+        store_->setOwnLocator(locator);
     }
 }
 
@@ -48,6 +60,16 @@ bool SpotHistory::record(const EvaluatedSpot &spot, const QString &source) {
         held_.append(spot);
     }
     return holding_;
+}
+
+bool SpotHistory::recordReport(const Reception &report) {
+    return store_ != nullptr && store_->addReport(report);
+}
+
+void SpotHistory::recordCallBook(const QList<CallBookEntry> &entries) {
+    if (store_ != nullptr) {
+        store_->addCallBook(entries);
+    }
 }
 
 void SpotHistory::exportCsv(const QDateTime &from, const QDateTime &to, const QString &fileName) {

@@ -47,7 +47,7 @@ void SpotStore::open(const QString &path, int retentionDays) {
     push(Job{Job::Kind::Open, {}, path, retentionDays, 0, {}});
 }
 
-bool SpotStore::add(const EvaluatedSpot &spot, const QString &source) {
+bool SpotStore::queueRow(Job job) {
     if (failed_) {
         return false;
     }
@@ -60,15 +60,48 @@ bool SpotStore::add(const EvaluatedSpot &spot, const QString &source) {
             ++dropped_;
             return false;
         }
-        queue_.push_back(Job{Job::Kind::Spot, spot, source, 0, 0, {}});
+        queue_.push_back(std::move(job));
         ++queuedSpots_;
     }
     wake_.notify_one();
     return true;
 }
 
+bool SpotStore::add(const EvaluatedSpot &spot, const QString &source) {
+    return queueRow(Job{Job::Kind::Spot, spot, source, 0, 0, {}});
+}
+
+bool SpotStore::addReport(const Reception &report) {
+    return report.time.isValid() && queueRow(Job{Job::Kind::Report, report, {}, 0, 0, {}});
+}
+
+void SpotStore::addCallBook(const QList<CallBookEntry> &entries) {
+    if (!entries.isEmpty() && !failed_) {
+        push(Job{Job::Kind::CallBook, entries, {}, 0, 0, {}});
+    }
+}
+
+void SpotStore::setOwnLocator(const QString &locator) {
+    push(Job{Job::Kind::OwnLocator, {}, locator, 0, 0, {}});
+}
+
 void SpotStore::restore(const QDateTime &since, qint64 limit) {
     push(Job{Job::Kind::Restore, {}, {}, since.toMSecsSinceEpoch(), limit, {}});
+}
+
+void SpotStore::restoreReports(const QDateTime &since, qint64 limit) {
+    push(Job{Job::Kind::RestoreReports, {}, {}, since.toMSecsSinceEpoch(), limit, {}});
+}
+
+void SpotStore::restoreCallBook(qint64 keep) {
+    push(Job{Job::Kind::RestoreCallBook, {}, {}, 0, keep, {}});
+}
+
+template <typename Row, typename Signal>
+void SpotStore::postChunk(QList<Row> &chunk, Signal signal) {
+    if (!chunk.isEmpty()) {
+        post([this, rows = std::exchange(chunk, {}), signal] { Q_EMIT(this->*signal)(rows); });
+    }
 }
 
 void SpotStore::exportCsv(const QDateTime &from, const QDateTime &to, const QString &fileName) {
@@ -108,6 +141,7 @@ void SpotStore::run() {
     bool usable = false;
     bool inTransaction = false;
     int retentionDays = 0;
+    QString ownLocator;
     qint64 uncommitted = 0;
     qint64 total = 0;
     Clock::time_point commitDue;
@@ -137,16 +171,17 @@ void SpotStore::run() {
     const auto pruneStep = [&] {
         const qint64 cutoff =
             QDateTime::currentDateTimeUtc().addDays(-retentionDays).toMSecsSinceEpoch();
-        const qint64 deleted = db.prune(cutoff, PruneBatch);
-        if (deleted < 0) {
+        const qint64 spots = db.prune(cutoff, PruneBatch);
+        const qint64 reports = spots < 0 ? -1 : db.pruneReports(cutoff, PruneBatch);
+        if (reports < 0) {
             failNow(describe(db));
             return;
         }
         // A full batch means more to delete: the next batch right after the
-        // spots that are waiting.
-        pruneDue =
-            Clock::now() + (deleted == PruneBatch ? Clock::duration::zero()
-                                                  : std::chrono::milliseconds(PruneIntervalMs));
+        // rows that are waiting.
+        pruneDue = Clock::now() + (spots == PruneBatch || reports == PruneBatch
+                                       ? Clock::duration::zero()
+                                       : std::chrono::milliseconds(PruneIntervalMs));
     };
 
     for (;;) {
@@ -164,7 +199,7 @@ void SpotStore::run() {
             if (!queue_.empty()) {
                 job = std::move(queue_.front());
                 queue_.pop_front();
-                if (job->kind == Job::Kind::Spot) {
+                if (job->kind == Job::Kind::Spot || job->kind == Job::Kind::Report) {
                     --queuedSpots_;
                 }
             }
@@ -179,6 +214,8 @@ void SpotStore::run() {
         }
         switch (job->kind) {
         case Job::Kind::Spot:
+        case Job::Kind::Report:
+        case Job::Kind::CallBook: {
             if (!usable) {
                 break;
             }
@@ -190,15 +227,24 @@ void SpotStore::run() {
                 inTransaction = true;
                 commitDue = Clock::now() + std::chrono::milliseconds(CommitIntervalMs);
             }
-            if (!db.insert(job->spot, job->text)) {
+            const bool written = job->kind == Job::Kind::Spot
+                                     ? db.insert(std::get<EvaluatedSpot>(job->row), job->text)
+                                 : job->kind == Job::Kind::Report
+                                     ? db.insertReport(std::get<Reception>(job->row))
+                                     : db.writeCallBook(std::get<QList<CallBookEntry>>(job->row));
+            if (!written) {
                 failNow(describe(db));
                 break;
             }
-            ++uncommitted;
+            uncommitted += job->kind == Job::Kind::CallBook ? 0 : 1;
             // In a flood the queue never runs dry: commit on time anyway.
             if (Clock::now() >= commitDue) {
                 commitNow();
             }
+            break;
+        }
+        case Job::Kind::OwnLocator:
+            ownLocator = job->text;
             break;
         case Job::Kind::Open:
             commitNow();
@@ -217,25 +263,65 @@ void SpotStore::run() {
             if (usable) {
                 const qint64 from = std::max(job->from, db.startOfNewest(job->to));
                 QList<EvaluatedSpot> chunk;
-                const bool read = db.read(
-                    from, std::numeric_limits<qint64>::max(),
-                    [&](const EvaluatedSpot &spot, const QString &) {
-                        chunk.append(spot);
-                        ++count;
-                        if (chunk.size() >= RestoreChunk) {
-                            post([this, spots = std::move(chunk)] { Q_EMIT restored(spots); });
-                            chunk = {};
-                        }
-                        return true;
-                    });
-                if (!chunk.isEmpty()) {
-                    post([this, spots = std::move(chunk)] { Q_EMIT restored(spots); });
-                }
+                const bool read = db.read(from, std::numeric_limits<qint64>::max(),
+                                          [&](const EvaluatedSpot &spot, const QString &) {
+                                              chunk.append(spot);
+                                              ++count;
+                                              if (chunk.size() >= RestoreChunk) {
+                                                  postChunk(chunk, &SpotStore::restored);
+                                              }
+                                              return true;
+                                          });
+                postChunk(chunk, &SpotStore::restored);
                 if (!read) {
                     failNow(describe(db));
                 }
             }
             post([this, count] { Q_EMIT restoreFinished(count); });
+            break;
+        }
+        case Job::Kind::RestoreReports: {
+            commitNow();
+            qint64 count = 0;
+            if (usable) {
+                QList<Reception> chunk;
+                const bool read =
+                    db.readNewestReports(job->from, job->to, [&](const Reception &report) {
+                        chunk.append(report);
+                        // Derived again: the file keeps only what came in.
+                        Evaluate_Reception(chunk.back(), ownLocator);
+                        ++count;
+                        if (chunk.size() >= RestoreChunk) {
+                            postChunk(chunk, &SpotStore::restoredReports);
+                        }
+                        return true;
+                    });
+                postChunk(chunk, &SpotStore::restoredReports);
+                if (!read) {
+                    failNow(describe(db));
+                }
+            }
+            post([this, count] { Q_EMIT reportsRestoreFinished(count); });
+            break;
+        }
+        case Job::Kind::RestoreCallBook: {
+            commitNow();
+            if (!usable) {
+                break;
+            }
+            QList<CallBookEntry> chunk;
+            const bool read =
+                db.pruneCallBook(job->to) >= 0 && db.readCallBook([&](const CallBookEntry &entry) {
+                    chunk.append(entry);
+                    if (chunk.size() >= RestoreChunk) {
+                        postChunk(chunk, &SpotStore::callBookRestored);
+                    }
+                    return true;
+                });
+            postChunk(chunk, &SpotStore::callBookRestored);
+            if (!read) {
+                failNow(describe(db));
+            }
             break;
         }
         case Job::Kind::Export: {
@@ -250,9 +336,9 @@ void SpotStore::run() {
             QString error;
             std::optional<qint64> rows;
             if (file.open(QIODevice::WriteOnly)) {
-                rows =
-                    exportHistoryCsv(db, QDateTime::fromMSecsSinceEpoch(job->from, Qt::UTC),
-                                     QDateTime::fromMSecsSinceEpoch(job->to, Qt::UTC), file, error);
+                rows = exportHistoryCsv(db, QDateTime::fromMSecsSinceEpoch(job->from, Qt::UTC),
+                                        QDateTime::fromMSecsSinceEpoch(job->to, Qt::UTC), file,
+                                        error, ownLocator);
                 if (rows && !file.commit()) {
                     rows.reset();
                     error = file.errorString();

@@ -562,7 +562,7 @@ TEST_F(CliTest, ExportCsvWritesTheRangeOfAHistoryFile) {
         const std::vector<QStringList> rows = zkr::test::parseCsv(r.out, &wellFormed);
         EXPECT_TRUE(wellFormed);
         ASSERT_EQ(static_cast<int>(rows.size()), c.rows + 1) << c.arguments.join(" ").toStdString();
-        EXPECT_EQ(rows[0].size(), 21);
+        EXPECT_EQ(rows[0].size(), 24);
         if (c.rows > 0) {
             EXPECT_EQ(rows[1].at(rows[0].indexOf("dx")),
                       zkr::test::historySpot(c.first, {}).dxCall);

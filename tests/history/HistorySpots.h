@@ -1,5 +1,6 @@
 #pragma once
 
+#include "Reception.h"
 #include "SpotEvaluator.h"
 
 #include <QDateTime>
@@ -30,6 +31,23 @@ inline EvaluatedSpot historySpot(int i, const QDateTime &received) {
     EvaluatedSpot spot = SpotEvaluator(settings).evaluateClusterLine(line);
     spot.received = received;
     return spot;
+}
+
+// Report `i` of a reproducible mix: the three sources, frequencies to the Hz,
+// a square alone or no locator for the station heard, some without SNR.
+inline Reception historyReport(int i, const QDateTime &time) {
+    static const char *const Locators[] = {"JO62QM", "IN80", "KP20LE", "", "IO91WM", "JN45"};
+    Reception report;
+    report.source = static_cast<ReportSource>(i % 3);
+    report.time = time;
+    report.frequencyMhz = ((i % 4 == 3 ? 144174000 : 50313000) + i % 2500) / 1e6;
+    report.mode = i % 4 == 3 ? QStringLiteral("FT4") : QStringLiteral("FT8");
+    report.snr = i % 5 == 4 ? std::optional<int>() : i % 30 - 20;
+    report.tx = {QStringLiteral("EA%1AB").arg(i % 9000), QString::fromLatin1(Locators[i % 6])};
+    report.rx = {QStringLiteral("DL%1XY").arg(i % 700), QString::fromLatin1(Locators[(i + 1) % 6])};
+    report.atOwnStation = report.source != ReportSource::PskReporter;
+    report.received = report.source == ReportSource::AllTxt ? time : time.addMSecs(1500 + i % 9);
+    return report;
 }
 
 // RFC 4180 as a spreadsheet reads it: quoted fields may hold commas,

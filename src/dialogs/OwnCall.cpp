@@ -80,6 +80,10 @@ bool isOwnLocatorSet(const QString &ownLocator) {
     return !Check_Locator(ownLocator.toUpper());
 }
 
+QString usableOwnLocator(const QString &ownLocator) {
+    return isOwnLocatorSet(ownLocator) ? ownLocator.toUpper() : QString();
+}
+
 QString ownLocatorCaption(const QString &ownLocator) {
     return isOwnLocatorSet(ownLocator) ? QStringLiteral("LOC ") + ownLocator.toUpper()
                                        : QStringLiteral("Set your locator in Setup");

@@ -18,6 +18,9 @@ QString Check_OwnCall(ProgramState &state, Platform &platform, ProgramShutdown &
 
 // An own locator the path model can use: a square or a subsquare, in any case.
 bool isOwnLocatorSet(const QString &ownLocator);
+// The own locator as the evaluation takes it: upper case, or "" while there
+// is none to use.
+QString usableOwnLocator(const QString &ownLocator);
 // The own-locator label: "LOC " and the locator, or what to do while there is
 // none to use.
 QString ownLocatorCaption(const QString &ownLocator);

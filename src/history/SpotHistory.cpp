@@ -26,6 +26,10 @@ void SpotHistory::start(const HistorySettings &settings, bool holdLive, const QS
     });
     connect(store_.get(), &SpotStore::exportFinished, this, &SpotHistory::exportFinished);
     connect(store_.get(), &SpotStore::restoredReports, this, &SpotHistory::restoredReports);
+    connect(store_.get(), &SpotStore::reportsRestoreFinished, this, [this] {
+        restoringReports_ = false;
+        Q_EMIT reportsRestoreFinished();
+    });
     connect(store_.get(), &SpotStore::callBookRestored, this, &SpotHistory::callBookRestored);
     store_->open(settings.databasePath, settings.retentionDays);
     store_->setOwnLocator(ownLocator);
@@ -36,6 +40,7 @@ void SpotHistory::start(const HistorySettings &settings, bool holdLive, const QS
             QDateTime::currentDateTimeUtc().addSecs(-3600LL * settings.restoreHours);
         store_->restore(since, RestoreLimit);
         store_->restoreReports(since, ReportRestoreLimit);
+        restoringReports_ = true;
     }
 }
 

@@ -45,6 +45,8 @@ public:
     // The own locator changed: for the reports of later exports.
     void setOwnLocator(const QString &locator);
     bool isStarted() const { return store_ != nullptr; }
+    // From start() until restoredReports() has handed out the last chunk.
+    bool isRestoringReports() const { return restoringReports_; }
     // Commits what is queued and stops (the program ends).
     void close();
 
@@ -68,6 +70,7 @@ Q_SIGNALS:
     // Stored reports of the last RestoreHours, oldest first, in chunks,
     // after the spots; live reports are not held back meanwhile.
     void restoredReports(const QList<zkr::Reception> &reports);
+    void reportsRestoreFinished();
     // The stored call book, in chunks, before the spots.
     void callBookRestored(const QList<zkr::CallBookEntry> &entries);
     // Why the history is off; once.
@@ -77,6 +80,7 @@ Q_SIGNALS:
 private:
     std::unique_ptr<SpotStore> store_;
     bool holding_ = false;
+    bool restoringReports_ = false;
     QList<EvaluatedSpot> held_;
 };
 

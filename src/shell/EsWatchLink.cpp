@@ -80,6 +80,13 @@ void EsWatchLink::addRestored(const QList<EvaluatedSpot> &spots) {
     }
 }
 
+void EsWatchLink::addRestoredReports(const QList<Reception> &reports) {
+    prepare();
+    for (const Reception &report : reports) {
+        watch_.restoreReport(report);
+    }
+}
+
 void EsWatchLink::addReport(const Reception &report) {
     prepare();
     watch_.addReport(report);

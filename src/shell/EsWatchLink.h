@@ -46,6 +46,7 @@ public:
     // Spots restored from the history: their clouds come back on the map,
     // their alerts do not.
     void addRestored(const QList<EvaluatedSpot> &spots);
+    void addRestoredReports(const QList<Reception> &reports);
     // A reception report (an FT8 decode, a PSK Reporter report).
     void addReport(const Reception &report);
     // A decode log plays on its own times, from a clean watch; after it the

@@ -80,7 +80,7 @@ QString ReportSources::ownCall() const {
 }
 
 QString ReportSources::ownLocator() const {
-    return isOwnLocatorSet(state_.OwnLocator) ? state_.OwnLocator.trimmed().toUpper() : QString();
+    return usableOwnLocator(state_.OwnLocator);
 }
 
 void ReportSources::start() {
@@ -164,16 +164,60 @@ void ReportSources::takeReport(const Reception &report) {
     const bool fromLog = replayingLog_ && report.source == ReportSource::AllTxt;
     logReports_ += fromLog ? 1 : 0;
     if (Is_ReportInRange(report)) {
-        // Newest on top, like the spot panes.
-        pane_.setCaret(0);
-        for (const TextRun &run : Report_Runs(report)) {
-            pane_.insertColored(run.text, run.colour);
-        }
-        pane_.setCaret(0);
         logShown_ += fromLog ? 1 : 0;
-        flush_->start();
+        if (held_) {
+            // Bounded like the pane: what it would drop anyway is not kept.
+            if (held_->size() >= pane_.maxLines()) {
+                held_->removeFirst();
+            }
+            held_->append(report);
+        } else {
+            showReport(report);
+        }
     }
     Q_EMIT reportEvaluated(report);
+}
+
+void ReportSources::showReport(const Reception &report) {
+    // Newest on top, like the spot panes.
+    pane_.setCaret(0);
+    for (const TextRun &run : Report_Runs(report)) {
+        pane_.insertColored(run.text, run.colour);
+    }
+    pane_.setCaret(0);
+    flush_->start();
+}
+
+void ReportSources::holdLiveReports() {
+    if (!held_) {
+        held_.emplace();
+    }
+}
+
+void ReportSources::restoreReports(const QList<Reception> &reports) {
+    watch_.addRestoredReports(reports);
+    for (const Reception &report : reports) {
+        if (Is_ReportInRange(report)) {
+            showReport(report);
+        }
+    }
+}
+
+void ReportSources::releaseLiveReports() {
+    if (!held_) {
+        return;
+    }
+    const QList<Reception> held = std::move(*held_);
+    held_.reset();
+    for (const Reception &report : held) {
+        showReport(report);
+    }
+}
+
+void ReportSources::restoreCallBook(const QList<CallBookEntry> &entries) {
+    for (const CallBookEntry &entry : entries) {
+        callBook_.book().restore(entry);
+    }
 }
 
 void ReportSources::flushPane() {

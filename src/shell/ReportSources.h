@@ -64,6 +64,19 @@ public:
     // What the book knows of `typed`: its locator, how and when it was
     // learned, for the window's where box.
     QString whereIs(const QString &typed) const;
+
+    // The history is about to hand back the reports of the last hours: live
+    // reports wait for the pane until they are in, so that it stays newest
+    // first.
+    void holdLiveReports();
+    // Stored reports, oldest first: their clouds come back without alerts,
+    // those in range go into the pane.
+    void restoreReports(const QList<Reception> &reports);
+    // The restore is over: the live reports held meanwhile go on top.
+    void releaseLiveReports();
+    // The stored call book, and what it learned since the last call.
+    void restoreCallBook(const QList<CallBookEntry> &entries);
+    QList<CallBookEntry> takeCallBookChanges() { return callBook_.book().takeChanges(); }
     QString status(Source source) const;
 
 Q_SIGNALS:
@@ -85,6 +98,7 @@ private:
     };
 
     void takeReport(const Reception &report);
+    void showReport(const Reception &report);
     void setStatus(Source source, const QString &text);
     void flushPane();
     QString ownCall() const;
@@ -105,6 +119,8 @@ private:
     // the turn brought.
     QTimer *flush_;
     bool live_ = false;
+    // Live reports for the pane while the history restores, oldest first.
+    std::optional<QList<Reception>> held_;
     bool countriesTried_ = false;
     std::optional<WsjtxSettings> wsjtxRunning_;
     std::optional<PskRun> pskRunning_;

@@ -121,8 +121,7 @@ void SpotSources::applyAnalysisSettings() {
     AnalysisSettings settings;
     // An own locator that cannot be used is none: the spots go out without
     // Es results and the window says to set one, instead of a fault per spot.
-    settings.ownLocator =
-        isOwnLocatorSet(state_.OwnLocator) ? state_.OwnLocator.toUpper() : QString();
+    settings.ownLocator = usableOwnLocator(state_.OwnLocator);
     settings.columns = Load_ColumnTable(state_.RunMode);
     settings.evalAll = state_.Eval_Flag;
     settings.over144Only = window_.over144Only();
@@ -293,7 +292,9 @@ void SpotSources::startHistory() {
     if (!intoPanes) {
         disconnect(&history_, &SpotHistory::restored, this, &SpotSources::showRestored);
     }
-    history_.start(HistorySettings::read(state_.IniFilePath, state_.Folders.history), intoPanes);
+    // Restored reports get their paths for the own station.
+    history_.start(HistorySettings::read(state_.IniFilePath, state_.Folders.history), intoPanes,
+                   usableOwnLocator(state_.OwnLocator));
 }
 
 void SpotSources::showRestored(const QList<EvaluatedSpot> &spots) {

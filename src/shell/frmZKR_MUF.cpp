@@ -110,7 +110,35 @@ frmZKR_MUF::frmZKR_MUF(ProgramState &state, Platform &platform, QWidget *parent)
     Label_WsjtxStatus_->setFullText(reports_->status(ReportSources::Source::Wsjtx));
     Label_PskStatus_->setFullText(reports_->status(ReportSources::Source::PskReporter));
     // Spots restored from the history put their clouds back on the map.
-    connect(&sources_->history(), &SpotHistory::restored, watchLink_, &EsWatchLink::addRestored);
+    SpotHistory &history = sources_->history();
+    connect(&history, &SpotHistory::restored, watchLink_, &EsWatchLink::addRestored);
+    // Reports and the call book live in the history too.
+    connect(reports_.get(), &ReportSources::reportEvaluated, &history, &SpotHistory::recordReport);
+    connect(&history, &SpotHistory::restoredReports, reports_.get(),
+            &ReportSources::restoreReports);
+    connect(&history, &SpotHistory::reportsRestoreFinished, reports_.get(),
+            &ReportSources::releaseLiveReports);
+    connect(&history, &SpotHistory::callBookRestored, reports_.get(),
+            &ReportSources::restoreCallBook);
+    connect(setup_, &frmZKR_MUF_Setup::settingsSaved, this,
+            [this] { sources_->history().setOwnLocator(usableOwnLocator(state_.OwnLocator)); });
+    // What the call book learns goes to disk now and then, not at every
+    // report: a busy band teaches many calls a second.
+    auto *bookSaving = new QTimer(this);
+    connect(bookSaving, &QTimer::timeout, this, &frmZKR_MUF::saveCallBook);
+    bookSaving->start(CallBookSavingMs);
+}
+
+void frmZKR_MUF::closeHistory() {
+    saveCallBook();
+    sources_->closeHistory();
+}
+
+void frmZKR_MUF::saveCallBook() {
+    const QList<CallBookEntry> changes = reports_->takeCallBookChanges();
+    if (!changes.isEmpty()) {
+        sources_->history().recordCallBook(changes);
+    }
 }
 
 frmZKR_MUF::~frmZKR_MUF() = default;
@@ -461,6 +489,9 @@ void frmZKR_MUF::layoutInitial() {
 void frmZKR_MUF::layoutByMode() {
     // Before the source starts, so that restored spots lie below live ones.
     sources_->startHistory();
+    if (sources_->history().isRestoringReports()) {
+        reports_->holdLiveReports();
+    }
     // The own station and the country file before the first spot.
     reports_->start();
     applyColours();
@@ -637,7 +668,7 @@ void frmZKR_MUF::unloadAllWindows() {
     }
     sources_->unloadConsole();
     // The process ends right after: the last spots go to disk now.
-    sources_->closeHistory();
+    closeHistory();
     close();
 }
 

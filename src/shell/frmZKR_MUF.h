@@ -57,6 +57,8 @@ public:
     // that a saved tab index of an older version still means the same tab).
     static constexpr int MapTab = PaneCount;
     static constexpr int ReportsTab = MapTab + 1;
+    // How often what the call book learned goes into the history.
+    static constexpr int CallBookSavingMs = 60 * 1000;
 
     frmZKR_MUF(ProgramState &state, Platform &platform, QWidget *parent = nullptr);
     ~frmZKR_MUF() override;
@@ -98,6 +100,11 @@ public:
     ReportSources &reports() { return *reports_; }
     SetupDialogLink &setupDialog() { return *setupDialog_; }
     frmZKR_MUF_Setup &setupWindow() { return *setup_; }
+    // Hands what the call book learned since the last time to the history.
+    void saveCallBook();
+    // Commits the history, the call book's last lessons included (the
+    // program ends).
+    void closeHistory();
     // The About window, created on first use.
     frmInfo &aboutWindow();
 

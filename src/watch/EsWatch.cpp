@@ -222,6 +222,14 @@ void EsWatch::takeSpot(const EvaluatedSpot &spot, bool announce) {
 }
 
 void EsWatch::addReport(const Reception &report) {
+    takeReport(report, true);
+}
+
+void EsWatch::restoreReport(const Reception &report) {
+    takeReport(report, false);
+}
+
+void EsWatch::takeReport(const Reception &report, bool announce) {
     if (!report.isEsHop() || report.es->cloud.size() < 4 || bandOf(report.frequencyMhz) < 0) {
         return;
     }
@@ -237,7 +245,7 @@ void EsWatch::addReport(const Reception &report) {
     kept.esMode = true;
     kept.printed = summaryOf(report);
     kept.es = *report.es;
-    take(std::move(kept), report.es->cloud.left(4), true);
+    take(std::move(kept), report.es->cloud.left(4), announce);
 }
 
 void EsWatch::take(WatchSpot &&spot, const QString &square, bool announce) {

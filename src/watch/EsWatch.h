@@ -139,6 +139,9 @@ public:
     void restoreSpot(const EvaluatedSpot &spot);
     // Takes a report over one Es hop on a band of the watch.
     void addReport(const Reception &report);
+    // A report restored from the history: its cloud comes back without
+    // alerts, as a restored spot's does.
+    void restoreReport(const Reception &report);
     // Ages the clouds to the current time (live sources call it now and
     // then so that the strip's age and the levels move without spots).
     void refresh();
@@ -184,6 +187,7 @@ private:
     };
 
     void takeSpot(const EvaluatedSpot &spot, bool announce);
+    void takeReport(const Reception &report, bool announce);
     // Puts the spot into its cloud and announces what it changed.
     void take(WatchSpot &&spot, const QString &square, bool announce);
     // Recomputes what the cloud says at `now`; announces levels newly held.

@@ -2,6 +2,7 @@
 #include "HistoryDatabase.h"
 #include "HistorySpots.h"
 #include "QtPlatform.h"
+#include "ReportSources.h"
 #include "ShellFakes.h"
 #include "SpotStore.h"
 
@@ -53,6 +54,20 @@ PaneContent content(ProgramRig &rig, int pane) {
 
 } // namespace
 
+// A decode at the own station over one Es hop: EA7ABC in IM76 heard in JO62QM.
+Reception decodeOf(const char *call, int secondsAgo) {
+    Reception report;
+    report.time = QDateTime::currentDateTimeUtc().addSecs(-secondsAgo);
+    report.time = report.time.addMSecs(-report.time.time().msec());
+    report.frequencyMhz = 50.3142;
+    report.mode = "FT8";
+    report.tx = {call, "IM76"};
+    report.rx = {"DL1ABC", "JO62QM"};
+    report.atOwnStation = true;
+    Evaluate_Reception(report, "JO62QM");
+    return report;
+}
+
 TEST(HistoryWindowTest, RestartShowsWhatWasStoredAndLiveSpotsOnTop) {
     QTemporaryDir data;
     std::array<PaneContent, 4> before;
@@ -60,6 +75,7 @@ TEST(HistoryWindowTest, RestartShowsWhatWasStoredAndLiveSpotsOnTop) {
     {
         auto first = startWithHistory(data.path());
         first->window.sources().applyAnalysisSettings(); // no file chosen: no settings yet
+        Q_EMIT first->window.reports().wsjtx().reception(decodeOf("EA7ABC", 60));
         first->window.sources().session().feed().receive(spotLines(0, 40));
         ASSERT_TRUE(waitFor([&] { return first->window.workingPane(0).lineCount() >= 40; }));
         for (int i = 0; i < 4; ++i) {
@@ -67,12 +83,20 @@ TEST(HistoryWindowTest, RestartShowsWhatWasStoredAndLiveSpotsOnTop) {
         }
         clouds = first->window.esWatch().watch().clouds().size();
         EXPECT_GT(first->platform.log().filter("notify").size(), 0);
-        first->window.sources().closeHistory(); // as the program does on its way out
+        first->window.closeHistory(); // as the program does on its way out
     }
     ASSERT_FALSE(before[3].text.isEmpty()); // the Es pane got spots too
     auto second = startWithHistory(data.path());
+    // A decode heard while the history is read goes above the stored one.
+    Q_EMIT second->window.reports().wsjtx().reception(decodeOf("EA5XYZ", 0));
     ASSERT_TRUE(waitFor([&] { return content(*second, 0) == before[0]; }))
         << second->pane(0).toStdString();
+    ASSERT_TRUE(waitFor([&] { return second->window.reportsPane()->text().count("> DL1ABC") == 2; }))
+        << second->window.reportsPane()->text().toStdString();
+    EXPECT_TRUE(second->window.reportsPane()->text().indexOf("EA5XYZ") <
+                second->window.reportsPane()->text().indexOf("EA7ABC"));
+    EXPECT_TRUE(second->window.reports().whereIs("EA7ABC").startsWith("EA7ABC: IM76"))
+        << second->window.reports().whereIs("EA7ABC").toStdString();
     for (int i = 1; i < 4; ++i) {
         EXPECT_EQ(content(*second, i), before[static_cast<std::size_t>(i)]) << "pane " << i;
     }

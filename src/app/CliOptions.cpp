@@ -22,7 +22,7 @@ QString cliUsage() {
         "                   (--wsjtx [ADDR:]PORT [--seconds N] | --alltxt FILE |\n"
         "                    --pskreporter HOST[:PORT] [--bands LIST] [--seconds N])\n"
         "                   [--json | --jsonl | --watch [--watch-bands LIST]]\n"
-        "       zkr_muf_cli --export-csv FROM TO [--db PATH]\n"
+        "       zkr_muf_cli --export-csv FROM TO [--db PATH] [--locator LOC]\n"
         "       zkr_muf_cli --where CALL [--where CALL ...] [--db PATH] [--cty FILE]\n"
         "       zkr_muf_cli --callbook-csv FILE [--db PATH]\n"
         "\n"
@@ -67,7 +67,8 @@ QString cliUsage() {
         "  --export-csv FROM TO print the spot history received from FROM up to (not\n"
         "                       including) TO as CSV; times in ISO 8601, UTC unless a zone\n"
         "                       is given: 2024-06-01T14:00Z, 2024-06-01T16:00+02:00, or a\n"
-        "                       date alone for its midnight UTC\n"
+        "                       date alone for its midnight UTC; reports get their Es\n"
+        "                       paths for --locator, else for the program's own locator\n"
         "  --where CALL         say where CALL is: its locator from the call book of the\n"
         "                       history file, how and when it was learned; else its\n"
         "                       country's position and how far off that may be\n"
@@ -88,7 +89,12 @@ QString cliUsage() {
 namespace {
 
 std::variant<CliOptions, QString> parseExport(const QString &from, const QStringList &rest,
-                                              const QString &database, CliOptions options) {
+                                              const QString &database, const QString &locator,
+                                              CliOptions options) {
+    options.ownLocator = locator.toUpper();
+    if (!options.ownLocator.isEmpty() && Check_Locator(options.ownLocator)) {
+        return QStringLiteral("\"%1\" is not a Maidenhead locator (e.g. JO62QM)").arg(locator);
+    }
     if (rest.size() != 1) {
         return QStringLiteral("--export-csv needs FROM and TO, and nothing else");
     }
@@ -243,7 +249,8 @@ std::variant<CliOptions, QString> parseCliOptions(const QStringList &arguments) 
     }
     const QStringList files = parser.positionalArguments();
     if (parser.isSet(exportCsv)) {
-        return parseExport(parser.value(exportCsv), files, parser.value(db), options);
+        return parseExport(parser.value(exportCsv), files, parser.value(db), parser.value(locator),
+                           options);
     }
     options.databasePath = parser.value(db);
     options.countryFile = parser.value(cty);

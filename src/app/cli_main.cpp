@@ -12,6 +12,8 @@
 #include "HistoryCsv.h"
 #include "HistoryDatabase.h"
 #include "HistorySettings.h"
+#include "IniFile.h"
+#include "Locators.h"
 #include "PaneOutput.h"
 #include "Platform.h"
 #include "ProgramFolders.h"
@@ -207,6 +209,18 @@ void prepareCallBook(const zkr::CliOptions &options, zkr::CliReplay &run) {
     run.useCallBook();
 }
 
+// The reports' paths are for --locator, else for the program's own station.
+QString exportLocator(const zkr::CliOptions &options) {
+    if (!options.ownLocator.isEmpty()) {
+        return options.ownLocator;
+    }
+    const std::optional<QString> stored =
+        zkr::IniFile::load(programFolders().settingsFile())
+            .value(u"Locator", u"OwnLocator");
+    const QString locator = stored ? stored->toUpper() : QString();
+    return zkr::Check_Locator(locator) ? QString() : locator;
+}
+
 int exportCsv(const zkr::CliOptions &options) {
     zkr::HistoryDatabase database;
     const QString path = historyPath(options);
@@ -217,7 +231,8 @@ int exportCsv(const zkr::CliOptions &options) {
     QFile out;
     QString error;
     if (!out.open(stdout, QIODevice::WriteOnly) ||
-        !zkr::exportHistoryCsv(database, options.exportFrom, options.exportTo, out, error)) {
+        !zkr::exportHistoryCsv(database, options.exportFrom, options.exportTo, out, error,
+                               exportLocator(options))) {
         printTo(stderr, QStringLiteral("zkr_muf_cli: export failed: %1\n").arg(error));
         return 1;
     }

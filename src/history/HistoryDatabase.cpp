@@ -617,15 +617,20 @@ bool HistoryDatabase::insertReport(const Reception &report) {
     }
     QSqlQuery &query = *insertReport_;
     const qint64 seconds = report.time.toSecsSinceEpoch();
+    // A text column that is missing binds as NULL, which the table refuses
+    // and INSERT OR IGNORE would drop without a word: "" instead.
+    const auto text = [](const QString &value) {
+        return value.isNull() ? QStringLiteral("") : value;
+    };
     const QVariantList values{seconds,
                               reportSourceCode(report.source),
-                              report.tx.call,
-                              report.rx.call,
+                              text(report.tx.call),
+                              text(report.rx.call),
                               static_cast<qint64>(std::llround(report.frequencyMhz * 1e6)),
-                              report.mode,
+                              text(report.mode),
                               report.snr ? QVariant(*report.snr) : QVariant(),
-                              report.tx.locator,
-                              report.rx.locator,
+                              text(report.tx.locator),
+                              text(report.rx.locator),
                               report.atOwnStation ? 1 : 0,
                               report.received.isValid()
                                   ? QVariant(report.received.toMSecsSinceEpoch() - seconds * 1000)

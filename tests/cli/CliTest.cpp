@@ -569,4 +569,22 @@ TEST_F(CliTest, ExportCsvWritesTheRangeOfAHistoryFile) {
         }
     }
     EXPECT_FALSE(QFile::exists(folder.filePath("none")));
+    // A report's path comes from the own locator: --locator's here. A report
+    // without a mode (PSK Reporter's "md" is optional) is stored all the same.
+    {
+        zkr::HistoryDatabase history;
+        ASSERT_TRUE(history.open(db, zkr::HistoryDatabase::Access::Writer));
+        zkr::Reception report;
+        report.time = QDateTime(QDate(2024, 6, 2), QTime(10, 0), Qt::UTC);
+        report.frequencyMhz = 50.313;
+        report.tx = {"EA7ABC", "IM76"};
+        report.rx = {"DL1ABC", "JO62QM"};
+        ASSERT_TRUE(history.insertReport(report));
+    }
+    const Result r = runCli({"--export-csv", "2024-06-02", "2024-06-03", "--db", db, "--locator",
+                             "JO62QM"});
+    bool wellFormed = false;
+    const std::vector<QStringList> rows = zkr::test::parseCsv(r.out, &wellFormed);
+    ASSERT_EQ(rows.size(), 2U) << r.err.toStdString();
+    EXPECT_EQ(rows[1].at(rows[0].indexOf("cloud")), "JN14KU");
 }

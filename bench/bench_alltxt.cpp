@@ -6,6 +6,7 @@
 
 #include "AllTxtLog.h"
 #include "AllTxtReader.h"
+#include "FileReplay.h"
 
 #include <benchmark/benchmark.h>
 
@@ -31,7 +32,7 @@ void BM_AllTxtMillionLines(benchmark::State &state) {
         QBuffer buffer;
         buffer.setData(log);
         buffer.open(QIODevice::ReadOnly);
-        AllTxtReader::readAll(buffer, reader);
+        FileReplay::replayAll(buffer, reader);
     }
     state.counters["reports"] = benchmark::Counter(double(reports) / state.iterations());
     state.counters["paths"] = benchmark::Counter(double(paths) / state.iterations());

@@ -147,7 +147,7 @@ qint64 CliReplay::replayDecodeLog(QIODevice &input) {
     AllTxtReader reader;
     reader.setOwnStation(options_.ownCall, options_.ownLocator);
     connect(&reader, &AllTxtReader::reception, this, &CliReplay::takeReport);
-    return AllTxtReader::readAll(input, reader);
+    return FileReplay::replayAll(input, reader);
 }
 
 void CliReplay::refreshDisplay() {

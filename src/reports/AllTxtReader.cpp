@@ -137,19 +137,6 @@ void AllTxtReader::finish() {
     skipping_ = false;
 }
 
-qint64 AllTxtReader::readAll(QIODevice &input, AllTxtReader &reader) {
-    reader.reset();
-    QByteArray buffer(64 * 1024, Qt::Uninitialized);
-    qint64 total = 0;
-    for (qint64 got = input.read(buffer.data(), buffer.size()); got > 0;
-         got = input.read(buffer.data(), buffer.size())) {
-        reader.receive(QByteArrayView(buffer.constData(), got));
-        total += got;
-    }
-    reader.finish();
-    return total;
-}
-
 void AllTxtReader::readLine(QByteArrayView line) {
     if (line.size() > MaxLineBytes) {
         return;

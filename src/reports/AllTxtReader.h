@@ -39,9 +39,6 @@ public:
     // The end of the log: reads a last line without a line end.
     void finish();
 
-    // Reads all of `input` into `reader` (reset first), then finishes it.
-    // Returns the bytes read.
-    static qint64 readAll(QIODevice &input, AllTxtReader &reader);
 
 Q_SIGNALS:
     void reception(const zkr::Reception &report);

@@ -54,7 +54,7 @@ ReportSources::ReportSources(ProgramState &state, Platform &platform, SpotPipeli
             [this](const QString &text) { setStatus(Source::Wsjtx, text); });
     connect(&psk_, &PskReporterClient::statusChanged, this,
             [this](const QString &text) { setStatus(Source::PskReporter, text); });
-    connect(&replay_, &AllTxtReplay::finished, this, [this] {
+    connect(&replay_, &FileReplay::finished, this, [this] {
         replayingLog_ = false;
         flushPane();
         // Live reports that follow run on the wall clock again.

@@ -1,8 +1,8 @@
 #pragma once
 
 #include "AllTxtReader.h"
-#include "AllTxtReplay.h"
 #include "CallBookLocator.h"
+#include "FileReplay.h"
 #include "PskReporterClient.h"
 #include "PskReporterSettings.h"
 #include "Reception.h"
@@ -114,7 +114,7 @@ private:
     WsjtxListener listener_;
     PskReporterClient psk_;
     AllTxtReader reader_;
-    AllTxtReplay replay_;
+    FileReplay replay_;
     // The pane is committed once per event-loop turn, however many reports
     // the turn brought.
     QTimer *flush_;

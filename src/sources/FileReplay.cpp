@@ -1,7 +1,5 @@
 #include "FileReplay.h"
 
-#include "ClusterFeed.h"
-
 #include <QFile>
 #include <QTimer>
 
@@ -14,21 +12,7 @@ FileReplay::FileReplay(QObject *parent) : QObject(parent), timer_(new QTimer(thi
 
 FileReplay::~FileReplay() = default;
 
-qint64 FileReplay::replayAll(QIODevice &input, ClusterFeed &feed) {
-    // A recording starts a new stream, as a new connection does.
-    feed.reset();
-    QByteArray buffer(64 * 1024, Qt::Uninitialized);
-    qint64 total = 0;
-    for (qint64 got = input.read(buffer.data(), buffer.size()); got > 0;
-         got = input.read(buffer.data(), buffer.size())) {
-        feed.receive(QByteArrayView(buffer.constData(), got));
-        total += got;
-    }
-    feed.finish();
-    return total;
-}
-
-bool FileReplay::start(const QString &fileName, ClusterFeed &feed) {
+bool FileReplay::open(const QString &fileName) {
     cancel();
     auto file = std::make_unique<QFile>(fileName);
     if (!file->open(QIODevice::ReadOnly)) {
@@ -37,16 +21,23 @@ bool FileReplay::start(const QString &fileName, ClusterFeed &feed) {
     }
     error_.clear();
     file_ = std::move(file);
-    feed_ = &feed;
-    feed.reset();
-    timer_->start();
     return true;
+}
+
+void FileReplay::begin(QObject &reader, std::function<void(QByteArrayView)> receive,
+                       std::function<void()> finish) {
+    reader_ = &reader;
+    receive_ = std::move(receive);
+    finish_ = std::move(finish);
+    timer_->start();
 }
 
 void FileReplay::cancel() {
     timer_->stop();
     file_.reset();
-    feed_ = nullptr;
+    reader_ = nullptr;
+    receive_ = nullptr;
+    finish_ = nullptr;
 }
 
 bool FileReplay::isRunning() const {
@@ -54,24 +45,25 @@ bool FileReplay::isRunning() const {
 }
 
 void FileReplay::readSlice() {
-    if (!file_ || !feed_) {
-        // The feed went away under the replay.
+    if (!file_ || !reader_) {
+        // The reader went away under the replay.
         cancel();
         return;
     }
     const QByteArray slice = file_->read(SliceBytes);
     if (!slice.isEmpty()) {
-        // A receiver of the feed may cancel or restart the replay; the
-        // slice is ours either way, the rest is decided next turn.
-        feed_->receive(slice);
+        // A receiver of the reader may cancel or restart the replay; the
+        // slice is read either way, the rest is decided next turn.
+        const auto receive = receive_;
+        receive(slice);
         return;
     }
     if (file_->error() != QFileDevice::NoError) {
         error_ = file_->errorString();
     }
-    ClusterFeed *feed = feed_;
+    const auto finish = std::move(finish_);
     cancel();
-    feed->finish();
+    finish();
     Q_EMIT finished();
 }
 

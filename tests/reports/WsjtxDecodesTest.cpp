@@ -1,5 +1,5 @@
 #include "AllTxtReader.h"
-#include "AllTxtReplay.h"
+#include "FileReplay.h"
 #include "DecodedMessage.h"
 #include "QtPrinters.h"
 #include "WaitFor.h"
@@ -112,7 +112,7 @@ const QString Rr26 = QString("DL1ABC EA7ABC RR73").leftJustified(26);
 // or fed a byte at a time.
 QStringList read(const QStringList &lines, bool bytes) {
     AllTxtReader reader;
-    AllTxtReplay replay;
+    FileReplay replay;
     QTemporaryFile file;
     QStringList reports;
     reader.setOwnStation("DL9OWN", "JO40");

@@ -16,6 +16,9 @@ set(CPACK_DEBIAN_FILE_NAME DEB-DEFAULT)
 # at run time, so no linker dependency names them.
 set(CPACK_DEBIAN_PACKAGE_SHLIBDEPS ON)
 set(CPACK_DEBIAN_PACKAGE_DEPENDS "qt6-qpa-plugins, libqt6sql6-sqlite")
+# The country file places calls without a locator; the program goes on
+# without it.
+set(CPACK_DEBIAN_PACKAGE_RECOMMENDS "hamradio-files")
 # The summary above is the synopsis line; this is the long text below it.
 set(CPACK_DEBIAN_PACKAGE_DESCRIPTION
     "ZKR_MUF listens to DX-cluster spots (a telnet DX cluster, a web spot list

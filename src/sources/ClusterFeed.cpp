@@ -75,16 +75,27 @@ bool endsInLoginRequest(QByteArrayView text) {
     return endsWith("login:") || endsWith("call:") || endsWith("callsign:");
 }
 
-// Where a spot starts right after a login request in a line that is no spot
-// line, or -1. The request is left unterminated, so a node that sends a spot
-// at once after the login glues it to the request.
-qsizetype spotAfterLoginRequest(QByteArrayView line) {
+// Where the text after a login request starts in a line that is no spot
+// line, or -1. The request is left unterminated, so what the node sends
+// after the login is glued to it: a spot sent at once, or the welcome when
+// the request began the line ("login: Hello DL1ABC, this is GB7TST").
+qsizetype afterLoginRequest(QByteArrayView line) {
     for (qsizetype at = line.indexOf(SpotStart); at > 0; at = line.indexOf(SpotStart, at + 1)) {
         if (endsInLoginRequest(line.first(at))) {
             return at;
         }
     }
-    return -1;
+    // "login:", "call:" or "callsign:" as the line's first word.
+    const qsizetype colon = line.indexOf(':');
+    if ((colon != 5 && colon != 4 && colon != 8) || !endsInLoginRequest(line.first(colon + 1)) ||
+        (colon == 5 && (line.at(0) | 0x20) != 'l')) {
+        return -1;
+    }
+    qsizetype rest = colon + 1;
+    while (rest < line.size() && (line.at(rest) == ' ' || line.at(rest) == '\t')) {
+        ++rest;
+    }
+    return rest < line.size() ? rest : -1;
 }
 
 // Removes BEL pairs, the first pair each time: of a run of n bells n % 2
@@ -263,7 +274,7 @@ void ClusterFeed::handleLine(QByteArrayView bytes) {
     if (!bytes.startsWith(SpotStart)) {
         // Decided on the whole line, not where a read ended, so that a
         // replay of the same bytes cuts it alike.
-        if (const qsizetype spot = spotAfterLoginRequest(bytes); spot > 0) {
+        if (const qsizetype spot = afterLoginRequest(bytes); spot > 0) {
             const quint64 generation = generation_;
             handleLine(bytes.first(spot));
             if (generation == generation_) {

@@ -37,8 +37,10 @@ QList<TextRun> Report_Runs(const Reception &report) {
         line += QString::number(static_cast<long long>(report.es->pathKm + 0.5)).rightJustified(6) +
                 QStringLiteral(" km");
     }
-    // A blank before the fields, which may begin with "Es? ".
-    line += QLatin1Char(' ') + QString(reportSourceName(report.source)) + QLatin1Char(' ');
+    // The source in a column of its own, so that the fields line up; a
+    // blank before them, which may begin with "Es? ".
+    line += QLatin1Char(' ') + padded(QString(reportSourceName(report.source)), 11) +
+            QLatin1Char(' ');
     spot.runs.append(TextRun{line, Color_Black});
     if (spot.es) {
         try {

@@ -341,7 +341,7 @@ TEST_F(CliTest, ReportLinesOfADecodeLog) {
          {oh1xyz, R"("elevation":-12.1,"far":"FN31LL","path_km":6262,"own_km":3131})"}},
         {{"--callbook-csv", csv},
          {"== Reports ==",
-          "1712Z   50.1500 FT8  -12 OH1XYZ     KP20   > DL1ABC     JO62QM  1131 km alltxt     "
+          "1712Z   50.1500 FT8  -12 OH1XYZ     KP20   > DL1ABC     JO62QM  1131 km alltxt          "
           "MUF= 64MHz@JO96  FOT= 50MHz -> KP20 AZ= 34 EL=  8"}},
     };
     for (const auto &c : cases) {

@@ -429,6 +429,17 @@ bool HistoryDatabase::open(const QString &path, Access access) {
     return true;
 }
 
+bool HistoryDatabase::execBound(QSqlQuery &query, const QVariantList &values) {
+    for (int i = 0; i < values.size(); ++i) {
+        query.bindValue(i, values.at(i));
+    }
+    if (!query.exec()) {
+        error_ = query.lastError().text();
+        return false;
+    }
+    return true;
+}
+
 bool HistoryDatabase::begin() {
     return exec(QStringLiteral("BEGIN"));
 }
@@ -483,14 +494,7 @@ bool HistoryDatabase::insert(const EvaluatedSpot &spot, const QString &source) {
                               printed.text,
                               printed.colours,
                               encodeApproximate(spot.approximate)};
-    for (int i = 0; i < values.size(); ++i) {
-        query.bindValue(i, values.at(i));
-    }
-    if (!query.exec()) {
-        error_ = query.lastError().text();
-        return false;
-    }
-    return true;
+    return execBound(query, values);
 }
 
 bool HistoryDatabase::read(qint64 fromMs, qint64 toMs, const SpotVisitor &spots,
@@ -635,14 +639,7 @@ bool HistoryDatabase::insertReport(const Reception &report) {
                               report.received.isValid()
                                   ? QVariant(report.received.toMSecsSinceEpoch() - seconds * 1000)
                                   : QVariant()};
-    for (int i = 0; i < values.size(); ++i) {
-        query.bindValue(i, values.at(i));
-    }
-    if (!query.exec()) {
-        error_ = query.lastError().text();
-        return false;
-    }
-    return true;
+    return execBound(query, values);
 }
 
 bool HistoryDatabase::readNewestReports(qint64 fromMs, qint64 limit, const ReportVisitor &visit) {

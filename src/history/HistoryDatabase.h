@@ -91,6 +91,8 @@ public:
 
 private:
     bool exec(const QString &sql);
+    // Binds `values` in order to the prepared `query` and runs it.
+    bool execBound(QSqlQuery &query, const QVariantList &values);
     bool fail(Failure failure, const QString &what);
     bool has(const QString &table, const QString &column = QString());
 

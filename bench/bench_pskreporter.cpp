@@ -4,13 +4,21 @@
 // station, and the client on this thread's event loop. Prints what was
 // published and what arrived before the filter, the longest time the event
 // loop went without handling a 10 ms timer, and the resident memory every
-// 10 s.
-//   bench_pskreporter [SECONDS [RATE ["broker config line"]]]  (60, 2000)
+// 10 s. With --window the reports go through the program's window
+// (offscreen: the call book, the watch, the Reports pane), and the loop
+// measured is the window's.
+//   bench_pskreporter [--window] [SECONDS [RATE ["broker config line"]]]  (60, 2000)
+#include "IniFile.h"
 #include "ProcessMemory.h"
+#include "ProgramState.h"
 #include "PskReporterBroker.h"
 #include "PskReporterClient.h"
+#include "ReportSources.h"
+#include "ScriptedPlatform.h"
+#include "frmZKR_MUF.h"
 
-#include <QCoreApplication>
+#include <QApplication>
+#include <QTemporaryDir>
 #include <QElapsedTimer>
 #include <QTimer>
 
@@ -19,6 +27,9 @@
 #include <atomic>
 #include <chrono>
 #include <cstdio>
+#include <cstring>
+#include <memory>
+#include <tuple>
 #include <thread>
 #include <time.h>
 #include <utility>
@@ -70,7 +81,13 @@ private:
 } // namespace
 
 int main(int argc, char **argv) {
-    QCoreApplication app(argc, argv);
+    const bool throughWindow = argc > 1 && std::strcmp(argv[1], "--window") == 0;
+    if (throughWindow) {
+        qputenv("QT_QPA_PLATFORM", "offscreen");
+        --argc;
+        ++argv;
+    }
+    QApplication app(argc, argv);
     mosquitto_lib_init();
     const int seconds = argc > 1 ? std::max(1, std::atoi(argv[1])) : 60;
     const int rate = argc > 2 ? std::max(100, std::atoi(argv[2])) : 2000;
@@ -79,10 +96,40 @@ int main(int argc, char **argv) {
         std::fprintf(stderr, "mosquitto did not start\n");
         return 1;
     }
-    PskReporterClient client;
-    client.start(QStringLiteral("127.0.0.1"), broker.port(),
-                 {QStringLiteral("6m"), QStringLiteral("2m")}, QStringLiteral("DL9OWN"),
-                 QStringLiteral("JO62QM"), false);
+    // The program in a folder of its own: replaying no file, PSK Reporter
+    // from the broker on this machine, WSJT-X off.
+    QTemporaryDir folder;
+    ProgramState state;
+    ScriptedPlatform platform;
+    std::unique_ptr<frmZKR_MUF> window;
+    PskReporterClient ownClient;
+    PskReporterClient *feed = &ownClient;
+    if (throughWindow) {
+        const QString ini = folder.filePath(QStringLiteral("zkr_muf.ini"));
+        const QString port = QString::number(broker.port());
+        for (const auto &[section, key, value] :
+             {std::tuple{"Version", "Version", QStringLiteral("1.30")},
+              {"Call", "OwnCall", QStringLiteral("DL9OWN")},
+              {"Locator", "OwnLocator", QStringLiteral("JO62QM")},
+              {"AutoUpdateCheck", "UpdateCheck", QStringLiteral("off")},
+              {"WSJTX", "Enabled", QStringLiteral("off")},
+              {"PSKReporter", "Host", QStringLiteral("127.0.0.1")},
+              {"PSKReporter", "Port", port},
+              {"PSKReporter", "Bands", QStringLiteral("6m,2m")}}) {
+            Ini_Write(QLatin1String(section), QLatin1String(key), value, ini);
+        }
+        platform.setApplicationFolder(folder.path());
+        platform.setCommandLine(QStringLiteral("/FILE"));
+        window = std::make_unique<frmZKR_MUF>(state, platform);
+        window->reports().enableLive();
+        window->Form_Load();
+        feed = &window->reports().pskReporter();
+    } else {
+        ownClient.start(QStringLiteral("127.0.0.1"), broker.port(),
+                        {QStringLiteral("6m"), QStringLiteral("2m")}, QStringLiteral("DL9OWN"),
+                        QStringLiteral("JO62QM"), false);
+    }
+    PskReporterClient &client = *feed;
     QElapsedTimer clock;
     clock.start();
     while (client.state() != PskReporterClient::State::Subscribed && clock.elapsed() < 10000) {
@@ -122,7 +169,7 @@ int main(int argc, char **argv) {
     };
     QElapsedTimer sinceTick;
     double cpuAtTick = threadCpuMs();
-    qint64 longestGap = 0;
+    qint64 longestGap = 0, longestGapAt = 0, gapsOver50 = 0;
     double longestGapCpu = 0, longestCpu = 0;
     QTimer ticks;
     QObject::connect(&ticks, &QTimer::timeout, [&] {
@@ -131,7 +178,9 @@ int main(int argc, char **argv) {
         if (gap > longestGap) {
             longestGap = gap;
             longestGapCpu = cpu;
+            longestGapAt = clock.elapsed();
         }
+        gapsOver50 += gap > 50 ? 1 : 0;
         longestCpu = std::max(longestCpu, cpu);
     });
     ticks.setTimerType(Qt::PreciseTimer);
@@ -170,8 +219,10 @@ int main(int argc, char **argv) {
                 static_cast<unsigned long long>(n.filtered),
                 static_cast<unsigned long long>(n.badPayload + n.noLocator));
     std::printf("longest the event loop went without a 10 ms timer: %lld ms (this thread ran "
-                "%.1f ms of it); most CPU between two ticks: %.1f ms\n",
-                static_cast<long long>(longestGap), longestGapCpu, longestCpu);
+                "%.1f ms of it) at %.1f s; most CPU between two ticks: %.1f ms; gaps over 50 ms: "
+                "%lld\n",
+                static_cast<long long>(longestGap), longestGapCpu, longestGapAt / 1000.0,
+                longestCpu, static_cast<long long>(gapsOver50));
     std::printf("resident memory at the end: %ld KiB\n", test::residentKiB());
     return n.received == static_cast<quint64>(published.load()) ? 0 : 1;
 }

@@ -57,8 +57,10 @@ public:
     // that a saved tab index of an older version still means the same tab).
     static constexpr int MapTab = PaneCount;
     static constexpr int ReportsTab = MapTab + 1;
-    // How often what the call book learned goes into the history.
-    static constexpr int CallBookSavingMs = 60 * 1000;
+    // How often what the call book learned goes into the history: often
+    // enough that the changes taken at once stay a few milliseconds' work
+    // even when a feed teaches a thousand new calls a second.
+    static constexpr int CallBookSavingMs = 5 * 1000;
 
     frmZKR_MUF(ProgramState &state, Platform &platform, QWidget *parent = nullptr);
     ~frmZKR_MUF() override;

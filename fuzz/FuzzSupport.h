@@ -2,14 +2,11 @@
 
 #include "CliOptions.h"
 #include "CliReplay.h"
-#include "MemoryPane.h"
+#include "FuzzChecks.h"
 #include "PaneOutput.h"
 
 #include <QBuffer>
 #include <QCoreApplication>
-
-#include <cstdint>
-#include <cstdlib>
 
 // A QCoreApplication for the whole fuzzing run, made on first use.
 inline void ensureApplication() {
@@ -35,21 +32,7 @@ inline zkr::CliOptions fuzzOptions(std::uint8_t flags, bool webPage) {
 // both output forms must be writable.
 inline void checkPanes(const zkr::CliReplay &replay) {
     for (const zkr::MemoryPane &pane : replay.panes()) {
-        if (pane.length() != pane.text().size() || pane.lineCount() > pane.maxLines()) {
-            std::abort();
-        }
-        for (std::int64_t i = 0; i < pane.lineCount(); ++i) {
-            std::int64_t covered = 0;
-            for (const zkr::ColourRun &run : pane.line(i).runs) {
-                if (run.length <= 0) {
-                    std::abort();
-                }
-                covered += run.length;
-            }
-            if (covered != pane.line(i).text.size()) {
-                std::abort();
-            }
-        }
+        checkPane(pane);
     }
     QBuffer out;
     out.open(QIODevice::WriteOnly);

@@ -2,28 +2,21 @@
 // it gives in one piece, each whole (a call, both locators as reports carry
 // them, a finite frequency, the log's time).
 #include "AllTxtReader.h"
-#include "Locators.h"
+#include "FuzzChecks.h"
 
 #include <QStringList>
 
 #include <cmath>
-#include <cstdint>
-#include <cstdlib>
 
 namespace {
 
 QStringList read(QByteArrayView log, qsizetype piece) {
-    const auto locator = [](const QString &l) {
-        return !l.isEmpty() && zkr::Report_Locator(l) == l;
-    };
     QStringList reports;
     zkr::AllTxtReader reader;
     reader.setOwnStation(QStringLiteral("DL9OWN"), QStringLiteral("JO40"));
     QObject::connect(&reader, &zkr::AllTxtReader::reception, [&](const zkr::Reception &r) {
-        if (r.tx.call.isEmpty() || !locator(r.tx.locator) || !locator(r.rx.locator) ||
-            !std::isfinite(r.frequencyMhz) || !r.time.isValid() || r.received != r.time) {
-            std::abort();
-        }
+        check(!r.tx.call.isEmpty() && wholeLocator(r.tx.locator) && wholeLocator(r.rx.locator) &&
+              std::isfinite(r.frequencyMhz) && r.time.isValid() && r.received == r.time);
         reports << r.tx.call + r.tx.locator + QString::number(r.frequencyMhz, 'f', 6) +
                        r.time.toString(Qt::ISODate) + r.mode;
     });
@@ -38,8 +31,6 @@ QStringList read(QByteArrayView log, qsizetype piece) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size) {
     const QByteArrayView log(reinterpret_cast<const char *>(data), qsizetype(size));
-    if (read(log, log.size()) != read(log, 1)) {
-        std::abort();
-    }
+    check(read(log, log.size()) == read(log, 1));
     return 0;
 }

@@ -2,23 +2,15 @@
 // panes. The first byte chooses the settings: bit 0 Es spots only, 1 over
 // 144 MHz only, 2 evaluate all, 3 own locator KP20LL, 4 a web page line
 // with the web columns, 5 a wrong own locator.
-#include "MemoryPane.h"
+#include "FuzzChecks.h"
 #include "PaneWriter.h"
 #include "SpotEvaluator.h"
 
 #include <array>
-#include <cstdint>
-#include <cstdlib>
 
 namespace {
 
 using namespace zkr;
-
-void check(bool condition) {
-    if (!condition) {
-        std::abort();
-    }
-}
 
 // What every evaluated spot must be, whatever its line.
 void checkSpot(const EvaluatedSpot &spot) {
@@ -31,19 +23,6 @@ void checkSpot(const EvaluatedSpot &spot) {
     }
     check(!spot.es || (!spot.locator2.isEmpty() && spot.locator1 != spot.locator2));
     check(!spot.esResultPrinted || (spot.es && spot.mode == QStringLiteral("ES")));
-}
-
-// Each pane's bookkeeping must agree with its text.
-void checkPane(const MemoryPane &pane) {
-    check(pane.length() == pane.text().size() && pane.lineCount() <= pane.maxLines());
-    for (std::int64_t i = 0; i < pane.lineCount(); ++i) {
-        std::int64_t covered = 0;
-        for (const ColourRun &run : pane.line(i).runs) {
-            check(run.length > 0);
-            covered += run.length;
-        }
-        check(covered == pane.line(i).text.size());
-    }
 }
 
 } // namespace

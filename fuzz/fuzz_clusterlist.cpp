@@ -9,19 +9,13 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
     const QByteArray bytes(reinterpret_cast<const char *>(data), static_cast<qsizetype>(size));
     const QList<zkr::ClusterList::Row> rows = zkr::ClusterList::parse(bytes);
     const qsizetype lines = bytes.count('\n');
-    if (rows.size() != std::max<qsizetype>(lines - 1, 0)) {
-        std::abort();
-    }
+    check(rows.size() == std::max<qsizetype>(lines - 1, 0));
     for (qsizetype i = 0; i < rows.size(); ++i) {
-        if (rows[i].line != i + 1 || rows[i].name.contains(QLatin1Char('|')) ||
-            (rows[i].name + rows[i].host + rows[i].port).contains(QLatin1Char('\n'))) {
-            std::abort();
-        }
+        check(rows[i].line == i + 1 && !rows[i].name.contains(QLatin1Char('|')) &&
+              !(rows[i].name + rows[i].host + rows[i].port).contains(QLatin1Char('\n')));
     }
     const int selected =
         zkr::ClusterList::selectedRow(rows, rows.isEmpty() ? QString() : rows.last().name);
-    if (selected < 0 || selected > rows.size()) {
-        std::abort();
-    }
+    check(selected >= 0 && selected <= rows.size());
     return 0;
 }

@@ -31,13 +31,10 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t *data, std::size_t size
                           static_cast<qsizetype>(size - 1));
     const QString text = zkr::decodeWebPage(page);
     const QString stripped = zkr::Strip_Tags(text);
-    if (stripped != stripTagsSlowly(text)) {
-        std::abort();
-    }
+    check(stripped == stripTagsSlowly(text));
     for (const QString &line : zkr::Split_SpotPage(stripped)) {
-        if (zkr::Clean_SpotLine(line).size() > line.size()) {
-            std::abort(); // the clean-up only ever shortens or keeps a line
-        }
+        // The clean-up only ever shortens or keeps a line.
+        check(zkr::Clean_SpotLine(line).size() <= line.size());
     }
     zkr::CliReplay replay(fuzzOptions(data[0], true));
     QBuffer input;

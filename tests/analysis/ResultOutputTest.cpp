@@ -1,11 +1,21 @@
+#include "ResultOutput.h"
 #include "Reception.h"
 #include "ReportOutput.h"
-#include "ResultOutput.h"
 #include "TestSpots.h"
 
 using namespace zkr;
 
 namespace {
+
+// Runs written as their colour's letter (k black, m magenta, g grey) and
+// text, "|" between them; the line end after them.
+Runs runsOf(const char *text) {
+    Runs runs;
+    for (const QString &run : QString(text).split('|', Qt::SkipEmptyParts)) {
+        runs.append({run.mid(1), run[0] == 'm' ? M : run[0] == 'g' ? G : K});
+    }
+    return runs << TextRun{"\r\n", K};
+}
 
 TEST(SelectedPanes, BandsAreInclusiveAndEsHasItsOwnPane) {
     // clang-format off
@@ -24,8 +34,7 @@ TEST(SelectedPanes, BandsAreInclusiveAndEsHasItsOwnPane) {
 }
 
 // The result fields of a spot with its cloud over JO96 and the own hop down
-// in KP20: the runs before the line end, colour (k black, m magenta, g grey)
-// and text, "|" between them.
+// in KP20, as runs.
 TEST(ResultFields, TextAndColourAtEveryBoundary) {
     // clang-format off
     const struct { float frequency; char mode; double muf, ownMuf, elevation, ownKm;
@@ -68,12 +77,7 @@ TEST(ResultFields, TextAndColourAtEveryBoundary) {
         for (const auto print : {Print_MufField, Print_MidSquare, Print_FotField, Print_AzField}) {
             print(spot);
         }
-        Runs expected;
-        for (const QString &run : QString(c.runs).split('|')) {
-            expected.append({run.mid(1), run[0] == 'm' ? M : run[0] == 'g' ? G : K});
-        }
-        expected.append({"\r\n", K});
-        EXPECT_EQ(spot.runs, expected) << c.runs;
+        EXPECT_EQ(spot.runs, runsOf(c.runs)) << c.runs;
     }
 }
 
@@ -101,16 +105,10 @@ TEST(ReportRuns, LineThenTheSpotFields) {
         report.es = c.es;
         const QList<TextRun> runs = Report_Runs(report);
         ASSERT_GE(runs.size(), 2) << c.runs;
-        const QString km = c.es ? QString::number(qRound(c.es->pathKm)).rightJustified(6) + " km"
-                                : QString();
-        EXPECT_EQ(runs.front(), (TextRun{"1830Z   50.3142 FT8  -12 EA7ABC     IM76   > DL1ABC     "
-                                         "JO62QM" + km + " pskreporter ", K}));
-        Runs fields;
-        for (const QString &run : QString(c.runs).split('|', Qt::SkipEmptyParts)) {
-            fields.append({run.mid(1), run[0] == 'm' ? M : run[0] == 'g' ? G : K});
-        }
-        fields.append({"\r\n", K});
-        EXPECT_EQ(runs.mid(1), fields) << c.runs;
+        const QString km = c.es ? QString("%1 km").arg(qRound(c.es->pathKm), 6) : "";
+        const QString line = "1830Z   50.3142 FT8  -12 EA7ABC     IM76   > DL1ABC     JO62QM";
+        EXPECT_EQ(runs.front(), (TextRun{line + km + " pskreporter ", K}));
+        EXPECT_EQ(runs.mid(1), runsOf(c.runs)) << c.runs;
         EXPECT_EQ(Is_ReportInRange(report), c.es.has_value()) << c.runs;
     }
 }

@@ -125,23 +125,9 @@ TEST(WebSource, EvaluatesNewPagesOnlyAndRecoversAfterAnErrorPage) {
               QStringList()); // no fetch went anywhere else
 }
 
-// The main window as the console sees it: every call is written down.
-struct FakeHost : FrmTelnet::Host {
-    QStringList calls;
-
-    void sendData(const QString &text) override { calls << "send " + text; }
-    void prepareFileReplay() override { calls << "prepareFileReplay"; }
-    void Replay_SpotFile() override { calls << "Replay_SpotFile"; }
-    void startWebRefresh() override { calls << "startWebRefresh"; }
-    void Evaluate_SpotPage() override { calls << "Evaluate_SpotPage"; }
-    void runStartup() override { calls << "runStartup"; }
-};
-
-// A console on the fake host, or (after startProgram) the program's own.
+// The program's console, loaded as the program loads it.
 struct ConsoleRig : test::ProgramRig {
-    FakeHost host;
-    FrmTelnet own{state, platform, host};
-    FrmTelnet *console = &own;
+    FrmTelnet *console = &window.sources().console();
 
     ConsoleRig() {
         state.Telnet_DebugFile = "Telnet_Debug_Datei.txt";
@@ -149,7 +135,6 @@ struct ConsoleRig : test::ProgramRig {
     }
     // The program in telnet mode, logged in at the cluster of this machine.
     void startProgram() {
-        console = &window.sources().console();
         start();
         ASSERT_TRUE(
             waitFor([&] { return label("Label_Telnet_Status").startsWith(" Connected to"); }));
@@ -180,21 +165,6 @@ TEST(Console, EveryRecordingAppendsTheWholeRecordAsSingleBytes) {
     EXPECT_TRUE(rig.platform.messages()[0].startsWith("Run-time error"));
 }
 
-TEST(Console, ConnectKeepsOnlyTheWebModeAndStartsAgain) {
-    const std::tuple<const char *, const char *, QStringList> cases[] = {
-        {"WEBCLUSTER", "WEBCLUSTER", {"startWebRefresh", "Evaluate_SpotPage", "runStartup"}},
-        {"FILE", "TELNETCLUSTER", {"runStartup"}},
-        {"webcluster", "TELNETCLUSTER", {"runStartup"}}}; // an exact comparison
-    ConsoleRig rig;
-    for (const auto &[mode, modeAfter, calls] : cases) {
-        rig.state.RunMode = mode;
-        rig.host.calls.clear();
-        rig.click("Connect_Manuell");
-        EXPECT_EQ(rig.state.RunMode, modeAfter) << mode;
-        EXPECT_EQ(rig.host.calls, calls) << mode;
-    }
-}
-
 TEST(Console, TheRecordPaneTakesEveryLineEndTheDataFieldFilledWhenShown) {
     ConsoleRig rig;
     auto *pane = rig.control<QPlainTextEdit>("RichTextBox1");
@@ -222,19 +192,16 @@ TEST(Console, FollowsTheSessionAndSendsCommandsToTheCluster) {
     EXPECT_EQ(rig.text("Label6"), " Connected");
     EXPECT_TRUE(rig.control<QPlainTextEdit>("RichTextBox1")->toPlainText().contains("dxspider >"));
     // Loaded again while connected, it says so in its title.
-    EXPECT_EQ(FrmTelnet(rig.state, rig.platform, rig.host).windowTitle(), "Connected");
+    EXPECT_EQ(FrmTelnet(rig.state, rig.platform, rig.window.sources()).windowTitle(), "Connected");
 
     rig.click("Command1");
     EXPECT_TRUE(waitFor([&] { return rig.node.received() == "SH/FDX/20 on vhf\r\n"; }));
-    rig.click("CMD_Debug_Datei"); // the empty element 0 first, then the chunks
-    EXPECT_TRUE(rig.debugFile().startsWith("\r\nWelcome to the test node"));
-    EXPECT_TRUE(rig.debugFile().endsWith(LocalClusterServer::prompt("DL1ABC") + "\r\n"));
 
     rig.node.closeClients();
     EXPECT_TRUE(waitFor([&] { return rig.text("Label6") == "not connected"; }));
 }
 
-TEST(Console, LoadingADebugFileSwitchesToFileModeAndConnectGoesBack) {
+TEST(Console, LoadingADebugFileSwitchesToFileModeAndConnectKeepsOnlyTheWebMode) {
     ConsoleRig rig;
     rig.startProgram();
     const QString path = rig.folder.filePath("recorded.txt");
@@ -248,9 +215,20 @@ TEST(Console, LoadingADebugFileSwitchesToFileModeAndConnectGoesBack) {
     EXPECT_TRUE(waitFor([&] { return rig.pane(0).contains("OH1XYZ"); }));
     EXPECT_TRUE(rig.state.Telnet_Connected); // the session is left open
 
+    // Connect leaves any mode but the web mode (compared exactly) for the
+    // cluster, and starts again.
+    for (const char *mode : {"FILE", "webcluster"}) {
+        const qsizetype logins = rig.node.logins().size();
+        rig.state.RunMode = mode;
+        rig.click("Connect_Manuell");
+        EXPECT_EQ(rig.state.RunMode, "TELNETCLUSTER") << mode;
+        EXPECT_TRUE(waitFor([&] { return rig.node.logins().size() == logins + 1; })) << mode;
+    }
+    rig.state.RunMode = "WEBCLUSTER";
     rig.click("Connect_Manuell");
-    EXPECT_EQ(rig.state.RunMode, "TELNETCLUSTER");
-    EXPECT_TRUE(waitFor([&] { return rig.node.logins().size() == 2; }));
+    EXPECT_EQ(rig.state.RunMode, "WEBCLUSTER");
+    EXPECT_TRUE(rig.window.Timer1()->isActive());
+    EXPECT_TRUE(waitFor([&] { return rig.web.requestCount("/DxSpots.aspx") == 1; }));
 }
 
 struct SetupRig : test::ProgramRig {
@@ -409,10 +387,11 @@ TEST(SetupDialog, FirstRunPicksAClusterFromTheListOnce) {
     EXPECT_TRUE(rig.platform.messages().isEmpty());
 }
 
-// The box is stored and checks at the next start, in the background: a
-// failure there is only said in the status; "Check now" asks the page (what
-// it says is tested with the check).
-TEST(SetupDialog, UpdateCheckInTheBackgroundAtStartAndOnTheButton) {
+// The update box is stored at once and checks at the next start, in the
+// background: a failure there is only said in the status; "Check now" asks
+// the page (what it says is tested with the check). The Es watch boxes are
+// saved with the rest, and the watch follows.
+TEST(SetupDialog, UpdateCheckAndWatchBoxesAreStoredAndTakeEffect) {
     SetupRig rig;
     rig.start();
     rig.openSetup([&](frmZKR_MUF_Setup &dialog) {
@@ -424,8 +403,16 @@ TEST(SetupDialog, UpdateCheckInTheBackgroundAtStartAndOnTheButton) {
         EXPECT_EQ(rig.web.requestCount("/download.html"), 0);
         dialog.CommandButton_Check_for_Updates_Click();
         EXPECT_TRUE(waitFor([&] { return rig.platform.messages().size() == 1; }));
-        dialog.Command_ExitwWthoutSave_Click();
+        EXPECT_EQ(dialog.watchSettings(), WatchSettings()); // 144 MHz only
+        rig.field<QCheckBox>("CheckBox_EsWatch0")->click(); // 6 m
+        rig.field<QCheckBox>("CheckBox_EsWatch6")->click(); // sound
+        dialog.Command_SaveConfig_Click();
     });
+    EXPECT_TRUE(rig.ini().contains("[EsWatch]\r\nBand50=on\r\nBand70=off\r\nBand144=on\r\n"))
+        << rig.ini().toStdString();
+    EXPECT_TRUE(rig.ini().contains("Sound=off"));
+    EXPECT_TRUE(rig.window.esWatch().watch().settings().band50);
+    EXPECT_FALSE(rig.window.esWatch().watch().settings().sound);
 
     SetupRig again;
     again.platform.setEnvironmentValue(site::DownloadPageUrlVariable,
@@ -514,23 +501,6 @@ TEST(SetupDialog, OwnLocatorOfASquareComputesAndNoneLeavesResultsOut) {
         EXPECT_EQ(rig.label("Label_OwnLocator"), c.label);
         EXPECT_EQ(rig.platform.messages(), QStringList());
     }
-}
-
-// The setup's Es watch box writes its section and the watch follows.
-TEST(EsWatchWindow, SetupWritesTheWatchSectionAndTheWatchFollows) {
-    SetupRig rig;
-    rig.start();
-    rig.openSetup([&](frmZKR_MUF_Setup &dialog) {
-        EXPECT_EQ(dialog.watchSettings(), WatchSettings()); // 144 MHz only
-        rig.field<QCheckBox>("CheckBox_EsWatch0")->click(); // 6 m
-        rig.field<QCheckBox>("CheckBox_EsWatch6")->click(); // sound
-        dialog.Command_SaveConfig_Click();
-    });
-    EXPECT_TRUE(rig.ini().contains("[EsWatch]\r\nBand50=on\r\nBand70=off\r\nBand144=on\r\n"))
-        << rig.ini().toStdString();
-    EXPECT_TRUE(rig.ini().contains("Sound=off"));
-    EXPECT_TRUE(rig.window.esWatch().watch().settings().band50);
-    EXPECT_FALSE(rig.window.esWatch().watch().settings().sound);
 }
 
 } // namespace

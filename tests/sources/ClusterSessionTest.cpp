@@ -50,7 +50,8 @@ int socketOption(const QTcpSocket &socket, int level, int name) {
     return value;
 }
 
-TEST(FileReplay, ReplaysAFileInSlicesInTheBackgroundAsReplayAllDoesAtOnce) {
+// replayAll, the headless tool's, is LiveFeedTest's reference.
+TEST(FileReplay, ReplaysAFileInSlicesInTheBackground) {
     QStringList expected;
     QTemporaryFile file;
     ASSERT_TRUE(file.open());
@@ -70,10 +71,6 @@ TEST(FileReplay, ReplaysAFileInSlicesInTheBackgroundAsReplayAllDoesAtOnce) {
     ASSERT_TRUE(replay.start(file.fileName(), feed));
     EXPECT_TRUE(spots.isEmpty()) << "nothing before the event loop turns";
     ASSERT_TRUE(waitFor([&] { return finished == 1 && !replay.isRunning(); }));
-    EXPECT_EQ(spots, expected);
-    spots.clear();
-    ASSERT_TRUE(file.open());
-    FileReplay::replayAll(file, feed);
     EXPECT_EQ(spots, expected);
 }
 

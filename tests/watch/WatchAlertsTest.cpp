@@ -9,8 +9,8 @@ namespace zkr {
 namespace {
 
 // Every alert of a level switched on is a notification and, with sound on,
-// a beep of its level; without a notification service only the strip hears
-// of it.
+// a beep of its level, even without a notification service (then only the
+// strip shows it); its own MUF and elevation rounded as printed.
 TEST(WatchAlerts, NotifyAndSoundThroughThePlatform) {
     WatchSettings quiet, noRising, sixOnly, noBand;
     quiet.sound = false;
@@ -18,8 +18,8 @@ TEST(WatchAlerts, NotifyAndSoundThroughThePlatform) {
     sixOnly.band144 = false;
     sixOnly.band50 = true;
     noBand.band144 = false;
-    const QString n = "notify \"ZKR_MUF Es watch\" \"%1 via JN14 FOT=150MHz "
-                      "AZ=226 EL=5 -> IN83\"";
+    const QString n = "notify \"ZKR_MUF Es watch\" \"%1 via JN14 FOT=152MHz "
+                      "AZ=226 EL=4 -> IN83\"";
     const QString rising = n.arg("rising") + " -> shown", open = n.arg("2 m open") + " -> shown",
                   confirmed = n.arg("confirmed") + " -> shown";
     const struct {
@@ -29,10 +29,11 @@ TEST(WatchAlerts, NotifyAndSoundThroughThePlatform) {
     } cases[] = {
         {{}, true, {rising, "beep 1000 150", open, "beep 1200 150", confirmed, "beep 1400 150"}},
         {quiet, true, {rising, open, confirmed}},
-        {quiet,
+        {{},
          false,
-         {n.arg("rising") + " -> unavailable", n.arg("2 m open") + " -> unavailable",
-          n.arg("confirmed") + " -> unavailable"}},
+         {n.arg("rising") + " -> unavailable", "beep 1000 150",
+          n.arg("2 m open") + " -> unavailable", "beep 1200 150",
+          n.arg("confirmed") + " -> unavailable", "beep 1400 150"}},
         {noRising, true, {open, "beep 1200 150", confirmed, "beep 1400 150"}},
         {sixOnly, true, {n.arg("6 m open") + " -> shown", "beep 800 150"}},
         {noBand, true, {}},
@@ -51,7 +52,8 @@ TEST(WatchAlerts, NotifyAndSoundThroughThePlatform) {
                              EXPECT_EQ(notified, c.notifications);
                              strip.append("notify \"ZKR_MUF Es watch\" \"" + text + "\"");
                          });
-        watch.addSpot(test::esSpot({.ownMuf = 150, .ownKm = 1000, .frequency = 144.3f}));
+        watch.addSpot(
+            test::esSpot({.ownMuf = 151.6, .elevation = 4.4, .ownKm = 1000, .frequency = 144.3f}));
         EXPECT_EQ(platform.log(), c.log);
         EXPECT_EQ(strip.size(), c.log.filter("notify").size());
     }

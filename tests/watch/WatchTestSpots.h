@@ -11,7 +11,7 @@ inline const QDateTime T0(QDate(2024, 6, 15), QTime(12, 0), Qt::UTC);
 // An evaluated Es spot of the cloud over `cloud` as the own station sees it,
 // made `minutes` after T0 (its line carries no time: the time received
 // counts).
-struct SpotSpec {
+struct Sighting {
     const char *cloud = "JN14AB";
     double ownMuf = 120;
     double elevation = 5;
@@ -26,7 +26,7 @@ struct SpotSpec {
     double pathKm = 1500;
 };
 
-inline EvaluatedSpot esSpot(const SpotSpec &s) {
+inline EvaluatedSpot esSpot(const Sighting &s) {
     EvaluatedSpot spot;
     spot.spotter = "DL1AA";
     spot.dxCall = "EA1BB";
@@ -51,7 +51,7 @@ inline EvaluatedSpot esSpot(const SpotSpec &s) {
     return spot;
 }
 
-inline Reception report(const SpotSpec &s) {
+inline Reception report(const Sighting &s) {
     Reception report;
     report.source = QString(s.kind) == "own" ? ReportSource::Wsjtx : ReportSource::PskReporter;
     report.atOwnStation = QString(s.kind) == "own";
@@ -67,7 +67,7 @@ inline Reception report(const SpotSpec &s) {
 }
 
 // Gives the watch the spot or report of `s`.
-inline void feed(EsWatch &watch, const SpotSpec &s) {
+inline void feed(EsWatch &watch, const Sighting &s) {
     if (QString(s.kind) == "own" || QString(s.kind) == "psk") {
         watch.addReport(report(s));
     } else {

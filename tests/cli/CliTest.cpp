@@ -214,33 +214,27 @@ TEST_F(CliTest, JsonLinesGiveEverySpotAsItsOwnObject) {
         spots.append(QJsonDocument::fromJson(line.toUtf8(), &error).object());
         ASSERT_EQ(error.error, QJsonParseError::NoError) << line.toStdString();
     }
-    EXPECT_EQ(spots[0].value("source"), "file");
     EXPECT_TRUE(runCli({"--jsonl", "--web", "--locator", "JO62QM", write(webPage({Web6mRow}))})
                     .out.startsWith(R"({"source":"web","time":"1712")"));
-    EXPECT_EQ(spots[0].value("dx"), "EA7KW");
-    EXPECT_EQ(spots[0].value("es"), QJsonValue::Null);
-    EXPECT_EQ(spots[0].value("panes").toArray(), QJsonArray{"All"});
+    EXPECT_TRUE(lines[0].startsWith(R"({"source":"file","time":"1710","spotter":"G4ABC",)"
+                                    R"("frequency_mhz":14.074,"dx":"EA7KW",)"))
+        << lines[0].toStdString();
+    EXPECT_TRUE(lines[0].contains(R"("es":null,"panes":["All"])")) << lines[0].toStdString();
+    // The hand-worked path of the analysis tests, rounded as JSON gives it.
     const QJsonObject es6m = spots[3];
-    EXPECT_EQ(es6m.value("spotter"), "SP9HWY");
-    EXPECT_DOUBLE_EQ(es6m.value("frequency_mhz").toDouble(), 50.15);
-    EXPECT_EQ(es6m.value("mode"), "ES");
-    EXPECT_EQ(es6m.value("locators").toArray(), (QJsonArray{"JO62QM", "KP20??"}));
-    // The hand-worked path of the analysis tests.
-    const QJsonObject path = es6m.value("es").toObject();
-    EXPECT_EQ(path.value("cloud").toString().left(4), "JO96");
-    EXPECT_NEAR(path.value("muf_mhz").toDouble(), 63.57, 0.06);
-    EXPECT_NEAR(path.value("own_muf_mhz").toDouble(), 50.15, 0.06);
-    EXPECT_NEAR(path.value("azimuth").toDouble(), 34.05, 0.06);
-    EXPECT_NEAR(path.value("elevation").toDouble(), 8.36, 0.06);
-    EXPECT_NEAR(path.value("own_km").toDouble(), 565.5, 0.6);
-    EXPECT_EQ(path.value("far").toString().left(4), "KP20");
-    EXPECT_EQ(es6m.value("panes").toArray(), (QJsonArray{"All", "VHF", "Es"}));
+    EXPECT_TRUE(lines[3].contains(
+        R"("spotter":"SP9HWY","frequency_mhz":50.15,"dx":"OH1XYZ",)"
+        R"("comment":"JO62QM<ES>KP20                 171","mode":"ES",)"
+        R"("locators":["JO62QM","KP20??"],"es":{"cloud":"JO96GP","muf_mhz":63.6,)"
+        R"("critical_mhz":11.7,"own_muf_mhz":50.2,"azimuth":34,"elevation":8.4,"far":"KP20LL",)"
+        R"("path_km":1131,"own_km":566},"panes":["All","VHF","Es"])"))
+        << lines[3].toStdString();
     QString printed;
     for (const QJsonValue &run : es6m.value("runs").toArray()) {
         printed += run[0].toString();
     }
     EXPECT_EQ(printed, Es6m);
-    EXPECT_EQ(spots[4].value("es").toObject().value("muf_mhz").toDouble() >= 144, true);
+    EXPECT_GE(spots[4].value("es").toObject().value("muf_mhz").toDouble(), 144);
     EXPECT_DOUBLE_EQ(spots[4].value("frequency_mhz").toDouble(), 144.174); // not 9A1ZZ's 9
 }
 
@@ -354,22 +348,6 @@ TEST_F(CliTest, ReportLinesOfADecodeLog) {
         << rows.join('|').toStdString();
 }
 
-// What the decode log cannot show: a report without a path, SNR or call.
-TEST(ReportJson, UnknownFieldsAreNull) {
-    zkr::Reception report;
-    report.source = zkr::ReportSource::PskReporter;
-    report.time = QDateTime(QDate(2024, 6, 1), QTime(17, 12, 5), Qt::UTC);
-    report.frequencyMhz = 50.0400004;
-    report.mode = "FT8";
-    report.tx = {"I5ABC", ""};
-    report.rx = {"", "JO62QM"};
-    QByteArray line;
-    zkr::Write_ReportJson(line, report);
-    EXPECT_EQ(line, R"({"source":"pskreporter","time":"2024-06-01T17:12:05Z",)"
-                    R"("frequency_mhz":50.04,"mode":"FT8","snr":null,"tx":{"call":"I5ABC",)"
-                    R"("locator":null},"rx":{"call":null,"locator":"JO62QM"},"es":null})");
-}
-
 // Where the stored call book puts a call, else its country; --callbook-csv
 // alone writes the stored book.
 TEST_F(CliTest, WhereAndTheStoredCallBook) {
@@ -442,9 +420,12 @@ TEST_F(CliTest, LivePskReporterKeepsTheBandsAndTheNearReports) {
     QString status;
     ASSERT_TRUE(zkr::test::waitFor(
         [&] { return (status += tool.readAllStandardError()).contains("subscribed to 2 bands"); }));
+    // The one kept comes without an SNR: null.
     const auto payload = [](const char *sender, const char *locator) {
-        return QByteArray(R"({"f":144174000,"md":"FT8","rp":-7,"t":1717261920,"sc":")") + sender +
-               R"(","sl":")" + locator + R"(","rc":"DL9XYZ","rl":"JO62"})";
+        const bool full = QByteArray(locator) != "JN53";
+        return QByteArray(R"({"f":144174000,"md":"FT8",)") + (full ? R"("rp":-7,)" : "") +
+               R"("t":1717261920,"sc":")" + sender + R"(","sl":")" + locator +
+               R"(","rc":"DL9XYZ","rl":"JO62"})";
     };
     for (const auto &[band, sender, locator] :
          {std::tuple{"10m", "I5ABC", "JN53"}, {"2m", "W1AW", "FN31"}, {"2m", "I5ABC", "JN53"}}) {
@@ -457,8 +438,10 @@ TEST_F(CliTest, LivePskReporterKeepsTheBandsAndTheNearReports) {
     const QString out = tool.readAllStandardOutput();
     EXPECT_EQ(out.count('\n'), 1) << out.toStdString();
     EXPECT_TRUE(out.startsWith(R"({"source":"pskreporter","time":"2024-06-01T17:12:00Z",)"
-                               R"("frequency_mhz":144.174,"mode":"FT8","snr":-7,)"
-                               R"("tx":{"call":"I5ABC","locator":"JN53"})"));
+                               R"("frequency_mhz":144.174,"mode":"FT8","snr":null,)"
+                               R"("tx":{"call":"I5ABC","locator":"JN53"},)"
+                               R"("rx":{"call":"DL9XYZ","locator":"JO62"})"))
+        << out.toStdString();
 }
 
 TEST_F(CliTest, HelpOrStatusTwoForWrongArgumentsAndUnreadableFiles) {
@@ -473,24 +456,18 @@ TEST_F(CliTest, HelpOrStatusTwoForWrongArgumentsAndUnreadableFiles) {
     } cases[] = {
         {{"--locator", "JO62QM", folder.filePath("missing.txt")}, "cannot read"},
         {{session}, "the own locator is required"},
-        {{"--locator"}, "Missing value after '--locator'"},
         {{"--locator", "JO62QZ", session}, "\"JO62QZ\" is not a Maidenhead locator"},
         {{"--locator", "JO62QM", "--call", " ", session}, "call sign given with --call is empty"},
         {{"--locator", "JO62QM", session, session}, "only one FILE"},
         {{"--locator", "JO62QM", "--json", "--jsonl", session}, "exclude each other"},
         {{"--locator", "JO62QM", "--call", "DL1ABC", "--cluster", "host"}, "HOST:PORT"},
         {{"--locator", "JO62QM", "--cluster", "127.0.0.1:7300"}, "--call CALL"},
-        {{"--locator", "JO62QM", "--call", "X", "--cluster", "h:1", session}, "no FILE"},
         {{"--locator", "JO62QM", "--seconds", "5", session}, "goes with --cluster"},
         {{"--locator", "JO62QM", "--watch", "--jsonl", session}, "--watch excludes"},
-        {{"--locator", "JO62QM", "--watch-bands", "50", session}, "goes with --watch"},
         {{"--locator", "JO62QM", "--watch", "--watch-bands", "50,28", session}, "not \"28\""},
         {{"--locator", "JO62QM", "--pskreporter", "h", "--bands", "6m,six"}, "not \"six\""},
         {{"--locator", "JO62QM", "--alltxt", session, "--bands", "6m"}, "with --pskreporter"},
         {{"--locator", "JO62QM", "--alltxt", session, "--es-only"}, "not reception reports"},
-        {{"--locator", "JO62QM", "--alltxt", session, "--seconds", "5"}, "--seconds goes with"},
-        {{"--locator", "JO62QM", "--alltxt", session, session}, "take no FILE"},
-        {{"--locator", "JO62QM", "--all-reports", session}, "--all-reports goes with"},
         {{"--locator", "JO62QM", "--wsjtx", "2237", "--alltxt", session}, "one source at a time"},
         {{"--locator", "JO62QM", "--wsjtx", "localhost:2237"}, "[ADDRESS:]PORT"},
         {{"--locator", "JO62QM", "--callbook-csv", "-", session}, "needs a FILE"},

@@ -1,10 +1,7 @@
 // The live feed end to end: a cluster on this machine, the program's window
 // logged into it, and the spots it sends however the network cuts them.
-#include "CliOptions.h"
-#include "CliReplay.h"
 #include "ShellFakes.h"
 
-#include <QBuffer>
 #include <QTcpServer>
 #include <QTest>
 
@@ -57,19 +54,6 @@ struct Program : test::ProgramRig {
     }
 };
 
-// A pane as text and colour runs, for comparing two whole panes.
-QStringList lines(const MemoryPane &pane) {
-    QStringList out;
-    for (std::int64_t i = 0; i < pane.lineCount(); ++i) {
-        QString line = pane.line(i).text + QLatin1Char('|');
-        for (const ColourRun &run : pane.line(i).runs) {
-            line += QStringLiteral("%1:%2 ").arg(run.length).arg(run.colour, 0, 16);
-        }
-        out.append(line);
-    }
-    return out;
-}
-
 struct Cut {
     const char *name;
     QList<int> sizes;
@@ -87,16 +71,11 @@ TEST_P(LiveFeed, GivesThePanesOfAFileReplayOfTheSameBytes) {
     program.send(spot(9999, "JO90JR<ES>KP20") + "\r\n", GetParam().sizes, GetParam().gapMs);
     ASSERT_TRUE(waitFor([&] { return program.shows(QStringLiteral("OK9999")); }));
 
-    CliOptions options;
-    options.ownLocator = QStringLiteral("JO62QM");
-    CliReplay replay(options);
-    QByteArray heard = program.state.Console_Lines.join(QString()).toLatin1(); // the record
-    QBuffer recorded(&heard);
-    recorded.open(QIODevice::ReadOnly);
-    replay.replayClusterText(recorded);
+    // The record of what was heard, replayed by the headless tool.
+    const auto tool =
+        test::toolPanes(program.state.Console_Lines.join(QString()).toLatin1(), false);
     for (int pane = 0; pane < 4; ++pane) {
-        EXPECT_EQ(lines(program.window.workingPane(pane)), lines(replay.panes()[pane]))
-            << "pane " << pane;
+        EXPECT_EQ(test::paneLines(program.window.workingPane(pane)), tool[pane]) << "pane " << pane;
     }
     // Every spot of the stream is in the All pane, the "login:" one too.
     EXPECT_TRUE(program.shows(QString::fromUtf8("OK0003      \xE2\x82\xAC"))); // UTF-8 read as such

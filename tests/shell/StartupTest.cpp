@@ -181,11 +181,7 @@ TEST(StartupSettings, FirstRunInAFolderNobodyMayWriteAsksOnceAndGoesOn) {
     for (const char *answer : {"dl1abc", "JO6", "jo62qm"}) {
         rig.platform.answerInputBox(QString(answer));
     }
-    rig.platform.setEnvironmentValue(site::WebClusterUrlVariable, "http://127.0.0.1:8/spots");
-    rig.platform.setEnvironmentValue(site::DownloadPageUrlVariable, "http://127.0.0.1:8/dl");
     rig.start();
-    EXPECT_EQ(rig.state.WebCluster_Url + rig.state.UpdatePage_Url,
-              "http://127.0.0.1:8/spotshttp://127.0.0.1:8/dl");
     // A rejected locator: two beeps, the prompt again with what is wrong.
     EXPECT_EQ(rig.platform.log(),
               QStringList({Beep, Arm, CallPrompt + R"("dl1abc")", Beep, Arm,

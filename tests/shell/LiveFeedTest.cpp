@@ -54,42 +54,35 @@ struct Program : test::ProgramRig {
     }
 };
 
-struct Cut {
-    const char *name;
-    QList<int> sizes;
-    int gapMs;
-};
+// Whole, in network segments, in odd pieces.
+TEST(LiveFeed, GivesThePanesOfAFileReplayOfTheSameBytesHoweverCut) {
+    const std::pair<QList<int>, int> cuts[] = {
+        {{}, 0}, {{1448}, 20}, {{1, 7, 13, 1000, 3, 211}, 2}};
+    for (const auto &[sizes, gapMs] : cuts) {
+        SCOPED_TRACE(sizes.size());
+        Program program;
+        program.send(stream(1, 120), sizes, gapMs);
+        program.node.greeting = spot(121, "JO62QM<ES>KP20") + "\r\n"; // at once after the login
+        program.node.closeClients();
+        ASSERT_TRUE(waitFor([&] { return program.node.logins().size() == 2; }));
+        program.send(spot(9999, "JO90JR<ES>KP20") + "\r\n", sizes, gapMs);
+        ASSERT_TRUE(waitFor([&] { return program.shows(QStringLiteral("OK9999")); }));
 
-class LiveFeed : public ::testing::TestWithParam<Cut> {};
-
-TEST_P(LiveFeed, GivesThePanesOfAFileReplayOfTheSameBytes) {
-    Program program;
-    program.send(stream(1, 120), GetParam().sizes, GetParam().gapMs);
-    program.node.greeting = spot(121, "JO62QM<ES>KP20") + "\r\n"; // at once after the login
-    program.node.closeClients();
-    ASSERT_TRUE(waitFor([&] { return program.node.logins().size() == 2; }));
-    program.send(spot(9999, "JO90JR<ES>KP20") + "\r\n", GetParam().sizes, GetParam().gapMs);
-    ASSERT_TRUE(waitFor([&] { return program.shows(QStringLiteral("OK9999")); }));
-
-    // The record of what was heard, replayed by the headless tool.
-    const auto tool =
-        test::toolPanes(program.state.Console_Lines.join(QString()).toLatin1(), false);
-    for (int pane = 0; pane < 4; ++pane) {
-        EXPECT_EQ(test::paneLines(program.window.workingPane(pane)), tool[pane]) << "pane " << pane;
-    }
-    // Every spot of the stream is in the All pane, the "login:" one too.
-    EXPECT_TRUE(program.shows(QString::fromUtf8("OK0003      \xE2\x82\xAC"))); // UTF-8 read as such
-    for (int n = 1; n <= 121; ++n) {
-        EXPECT_TRUE(program.shows(QStringLiteral("OK%1").arg(n, 4, 10, QLatin1Char('0')))) << n;
+        // The record of what was heard, replayed by the headless tool.
+        const auto tool =
+            test::toolPanes(program.state.Console_Lines.join(QString()).toLatin1(), false);
+        for (int pane = 0; pane < 4; ++pane) {
+            EXPECT_EQ(test::paneLines(program.window.workingPane(pane)), tool[pane])
+                << "pane " << pane;
+        }
+        // Every spot of the stream is in the All pane, the "login:" one too.
+        EXPECT_TRUE(
+            program.shows(QString::fromUtf8("OK0003      \xE2\x82\xAC"))); // UTF-8 read as such
+        for (int n = 1; n <= 121; ++n) {
+            EXPECT_TRUE(program.shows(QStringLiteral("OK%1").arg(n, 4, 10, QLatin1Char('0')))) << n;
+        }
     }
 }
-
-INSTANTIATE_TEST_SUITE_P(Cuts, LiveFeed,
-                         ::testing::Values(Cut{"whole", {}, 0}, Cut{"segments", {1448}, 20},
-                                           Cut{"odd", {1, 7, 13, 1000, 3, 211}, 2}),
-                         [](const ::testing::TestParamInfo<Cut> &cut) {
-                             return std::string(cut.param.name);
-                         });
 
 // The session's own retries are tested with it, coming back by itself in the
 // window above; here what the window says and that a click on the status

@@ -239,20 +239,20 @@ TEST(StartupSettings, OnlyAnOlderFileIsReplaced) {
     }
 }
 
+// The settings file may name a download page; the environment's stays otherwise.
 TEST(StartupSettings, UpdateCheckValueSetsTheSetupBox) {
-    const std::pair<const char *, const char *> cases[] = {{"UpdateCheck = ON ", "autoupdate 1"},
-                                                           {"", "autoupdate 0"},
-                                                           {"UpdateCheck=yes", "autoupdate 0"}};
-    for (const auto &[line, event] : cases) {
+    const std::tuple<const char *, const char *, const char *> cases[] = {
+        {"UpdateCheck = ON ", "autoupdate 1", "http://env.test/"},
+        {"", "autoupdate 0", "http://env.test/"},
+        {"UpdateCheck=yes", "autoupdate 0", "http://env.test/"},
+        {"DownloadPage = http://mirror.test/dl ", "autoupdate 0", "http://mirror.test/dl"}};
+    for (const auto &[line, event, page] : cases) {
         StartupRig rig(QByteArray("[AutoUpdateCheck]\r\n") + line + "\r\n");
+        rig.state.UpdatePage_Url = "http://env.test/";
         rig.settings.Read_Settings();
         EXPECT_EQ(rig.setupEvents, QStringList{event}) << line;
+        EXPECT_EQ(rig.state.UpdatePage_Url, page) << line;
     }
-    // The settings file may name a download page; the environment's stays otherwise.
-    StartupRig rig("[AutoUpdateCheck]\r\nDownloadPage = http://mirror.test/dl \r\n");
-    rig.state.UpdatePage_Url = "http://env.test/";
-    rig.settings.Read_Settings();
-    EXPECT_EQ(rig.state.UpdatePage_Url, "http://mirror.test/dl");
 }
 
 // A writable program folder is a portable installation; otherwise the user's

@@ -9,8 +9,6 @@
 #include <QAction>
 #include <QMenu>
 
-#include <gtest/gtest.h>
-
 #include <memory>
 
 using namespace zkr;

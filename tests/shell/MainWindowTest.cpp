@@ -140,7 +140,6 @@ struct ConsoleRig : test::ProgramRig {
     }
     QString text(const char *name) { return control(name)->property("text").toString(); }
     void click(const char *name) { control<QPushButton>(name)->click(); }
-    QByteArray debugFile() { return test::readBytes(folder.filePath("Telnet_Debug_Datei.txt")); }
 };
 
 // The record as single bytes to the file, every line end into the pane; the
@@ -152,7 +151,7 @@ TEST(Console, RecordFileRecordPaneAndDataField) {
     const QByteArray once = "\r\nlogin: \r\nDX de G4ABC: 50110.0 S\xe9\r\n\r\n";
     rig.click("CMD_Debug_Datei");
     rig.click("CMD_Debug_Datei");
-    EXPECT_EQ(rig.debugFile(), once + once);
+    EXPECT_EQ(test::readBytes(rig.folder.filePath("Telnet_Debug_Datei.txt")), once + once);
     EXPECT_TRUE(rig.platform.messages().isEmpty());
 
     // A folder in the file's place cannot be written: reported, not lost.

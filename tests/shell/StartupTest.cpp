@@ -7,7 +7,6 @@
 #include "StartupWindow.h"
 
 #include <QFileInfo>
-#include <QTemporaryDir>
 
 namespace zkr {
 namespace {

@@ -1,7 +1,6 @@
 // The web spot page in the window: the tool's text, one fetch at a time.
 #include "ShellFakes.h"
 
-#include <functional>
 #include <utility>
 
 using namespace zkr;

@@ -279,9 +279,7 @@ TEST(ProgramFolders, PortableBesideTheProgramInstalledInTheUsersFolders) {
         QStringList({home.filePath("data/zkr_muf/TelnetDXCluster.txt"),
                      "/proc/share/zkr_muf/TelnetDXCluster.txt", "/proc/self/TelnetDXCluster.txt"}));
     EXPECT_EQ(installed.clusterList(), "");
-    QFile own(installed.clusterLists[0]);
-    ASSERT_TRUE(own.open(QIODevice::WriteOnly));
-    own.close();
+    ASSERT_TRUE(test::writeBytes(installed.clusterLists[0], ""));
     EXPECT_EQ(installed.clusterList(), installed.clusterLists[0]);
 
     // Installed where this user may write (root, /usr/bin): still installed.

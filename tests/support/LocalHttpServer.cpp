@@ -10,14 +10,8 @@ LocalHttpServer::LocalHttpServer(QObject *parent) : QObject(parent), server_(new
     connect(server_, &QTcpServer::newConnection, this, &LocalHttpServer::onNewConnection);
 }
 
-LocalHttpServer::~LocalHttpServer() = default;
-
-quint16 LocalHttpServer::port() const {
-    return server_->serverPort();
-}
-
 QString LocalHttpServer::url(const QString &path) const {
-    return QStringLiteral("http://127.0.0.1:%1%2").arg(port()).arg(path);
+    return QStringLiteral("http://127.0.0.1:%1%2").arg(server_->serverPort()).arg(path);
 }
 
 void LocalHttpServer::onNewConnection() {

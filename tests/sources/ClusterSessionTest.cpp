@@ -93,7 +93,6 @@ TEST(ClusterSession, ComesBackByItselfAfterTheNodeDropsTheLinkAndLosesNoSpotArou
 
     ASSERT_TRUE(
         waitFor([&] { return node.logins().size() == 2 && w.session.state() == State::LoggedIn; }));
-    EXPECT_EQ(w.session.attempt(), 0);
     // A telnet option the session refuses, then two spots.
     node.send("\xff\xfb\x01" + spotLine(4) + "\r\n" + spotLine(5) + "\r\n");
     EXPECT_TRUE(waitFor([&] { return node.received().contains("\xff\xfe\x01"); }));
@@ -123,7 +122,6 @@ TEST(ClusterSession, RetriesARefusedPortCountingDownUntilANodeListensThere) {
     const QString endpoint = QString(" GB7TST 127.0.0.1:%1").arg(port);
     EXPECT_EQ(w.statuses.value(0), " trying to connect to" + endpoint);
     ASSERT_TRUE(waitFor([&] { return w.session.attempt() == 2; }));
-    EXPECT_EQ(w.failures.size(), 2);
     for (const char *status : {"in 2 s (attempt 1)", "in 1 s (attempt 1)"}) {
         EXPECT_TRUE(w.statuses.contains("Reconnecting " + QString(status) + " to GB7TST"));
     }

@@ -39,20 +39,11 @@ void LocalHttpServer::onReadyRead(QTcpSocket *socket) {
         }
     }
     counts_[path] += 1;
-    Response response;
-    if (responses_.contains(path)) {
-        response = responses_.value(path);
-    } else {
-        response.status = 404;
-        response.body = "<html><body>not found</body></html>";
-    }
+    const Response response =
+        responses_.value(path, Response{404, "<html><body>not found</body></html>"});
     if (response.neverAnswer) {
         return;
     }
-    answer(socket, response);
-}
-
-void LocalHttpServer::answer(QTcpSocket *socket, const Response &response) {
     QByteArray head = "HTTP/1.1 " + QByteArray::number(response.status) + " Status\r\n";
     head += "Content-Type: " + response.contentType + "\r\n";
     head += "Content-Length: " + QByteArray::number(response.body.size()) + "\r\n";

@@ -32,7 +32,6 @@ public:
 private:
     void onNewConnection();
     void onReadyRead(QTcpSocket *socket);
-    void answer(QTcpSocket *socket, const Response &response);
     void trickle(QTcpSocket *socket, const QByteArray &rest, int gapMs);
 
     QTcpServer *server_;

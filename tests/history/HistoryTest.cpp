@@ -58,6 +58,22 @@ std::vector<Reception> reportsOf(HistoryDatabase &db) {
     return all;
 }
 
+// Runs `statements` on an SQLite file as another program would.
+bool execute(const QString &file, std::initializer_list<const char *> statements) {
+    bool done = false;
+    {
+        QSqlDatabase other = QSqlDatabase::addDatabase("QSQLITE", "other");
+        other.setDatabaseName(file);
+        done = other.open();
+        for (const char *sql : statements) {
+            done = done && QSqlQuery(other).exec(sql);
+        }
+        other.close();
+    }
+    QSqlDatabase::removeDatabase("other");
+    return done;
+}
+
 class HistoryTest : public ::testing::Test {
 protected:
     QString path(const char *name = "history.sqlite") const { return folder.filePath(name); }
@@ -100,14 +116,7 @@ TEST_F(HistoryTest, FileThatCannotServeIsRefusedAndLeftAsItWas) {
     garbage.open(QIODevice::WriteOnly);
     garbage.write(QByteArray("SQLite format 3").append(4081, '\x5A'));
     garbage.close();
-    {
-        QSqlDatabase other = QSqlDatabase::addDatabase("QSQLITE", "other"); // another program's
-        other.setDatabaseName(path("other.sqlite"));
-        ASSERT_TRUE(other.open());
-        QSqlQuery(other).exec("CREATE TABLE log (x)");
-        other.close();
-    }
-    QSqlDatabase::removeDatabase("other");
+    ASSERT_TRUE(execute(path("other.sqlite"), {"CREATE TABLE log (x)"})); // another program's
     HistoryDatabase holder;
     ASSERT_TRUE(holder.open(path("held.sqlite"), HistoryDatabase::Access::Writer));
     using enum HistoryDatabase::Access;
@@ -408,17 +417,8 @@ TEST_F(HistoryTest, FileOfTheFirstVersionKeepsItsSpots) {
             db.insert(spot, "web");
         }
     }
-    {
-        QSqlDatabase old = QSqlDatabase::addDatabase("QSQLITE", "old");
-        old.setDatabaseName(path());
-        ASSERT_TRUE(old.open());
-        for (const char *sql : {"DROP TABLE report", "ALTER TABLE spot DROP COLUMN approximate",
-                                "PRAGMA user_version=1"}) {
-            ASSERT_TRUE(QSqlQuery(old).exec(sql)) << sql;
-        }
-        old.close();
-    }
-    QSqlDatabase::removeDatabase("old");
+    ASSERT_TRUE(execute(path(), {"DROP TABLE report", "ALTER TABLE spot DROP COLUMN approximate",
+                                 "PRAGMA user_version=1"}));
     spots.push_back(historySpot(2, Noon.addSecs(2)));
     spots.back().approximate =
         ApproximatePath{{}, "JO62", "KP20", Located::Comment, Located::CallBook, 100};
@@ -428,16 +428,7 @@ TEST_F(HistoryTest, FileOfTheFirstVersionKeepsItsSpots) {
         const bool writer = access == HistoryDatabase::Access::Writer;
         EXPECT_TRUE(!writer || (db.insert(spots.back(), "web") &&
                                 db.insertReport(historyReport(0, Noon.addSecs(3)))));
-        std::vector<EvaluatedSpot> read;
-        qint64 reports = 0;
-        EXPECT_TRUE(db.read(
-            0, std::numeric_limits<qint64>::max(),
-            [&](const EvaluatedSpot &spot, const QString &) {
-                read.push_back(spot);
-                return true;
-            },
-            [&](const Reception &) { return ++reports > 0; }));
-        EXPECT_EQ(read, std::vector(spots.begin(), spots.end() - (writer ? 0 : 1)));
-        EXPECT_EQ(reports, writer ? 1 : 0);
+        EXPECT_EQ(readAll(db), std::vector(spots.begin(), spots.end() - (writer ? 0 : 1)));
+        EXPECT_EQ(reportsOf(db).size(), writer ? 1u : 0u);
     }
 }

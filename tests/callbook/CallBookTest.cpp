@@ -70,13 +70,8 @@ TEST(CountryFile, LoadsTheInstalledFileAndReportsAMissingOne) {
 
 TEST(CallBook, KeepsTheLatestLocatorOfEachCallAsWritten) {
     CallBook book;
-    struct Step {
-        const char *call;
-        const char *locator;
-        int minute;
-        LearnedFrom from;
-        bool changes;
-    } steps[] = {
+    // Call, locator, minute learned, from where, whether the book changes.
+    const std::tuple<const char *, const char *, int, LearnedFrom, bool> steps[] = {
         {"DL1ABC", "JO62QM", 10, LearnedFrom::Wsjtx, true},
         {"DL1ABC/P", "JO50AA", 20, LearnedFrom::Comment, true}, // not the home call
         {"EA8/DL1ABC", "IL18", 20, LearnedFrom::PskReporter, true},
@@ -89,25 +84,20 @@ TEST(CallBook, KeepsTheLatestLocatorOfEachCallAsWritten) {
         {"CQ", "JO62", 50, LearnedFrom::Comment, false},
         {"F5ABC", "JN99ZZ", 50, LearnedFrom::Comment, false}, // no locator (ZZ)
     };
-    for (const Step &s : steps) {
-        EXPECT_EQ(book.learn(QString(s.call), QString(s.locator), at(s.minute), s.from), s.changes)
-            << s.call << " " << s.locator;
+    for (const auto &[call, locator, minute, from, changes] : steps) {
+        EXPECT_EQ(book.learn(QString(call), QString(locator), at(minute), from), changes)
+            << call << " " << locator;
     }
-    struct Expected {
-        const char *call;
-        const char *locator; // "": not in the book
-        int minute;
-    } expected[] = {
+    // Call, locator ("": not in the book), minute learned.
+    const std::tuple<const char *, const char *, int> expected[] = {
         {"DL1ABC", "JO62QM", 30}, {"DL1ABC/P", "JO50AA", 20}, {"EA8/DL1ABC", "IL18", 20},
         {"SP9XYZ", "KO00AA", 10}, {"G4ABC", "IO91", 1},       {"DL1ABC/MM", "", 0},
         {"DL1ABC/QRP", "", 0},    {"EA8/SP9XYZ", "", 0},
     };
-    for (const Expected &e : expected) {
-        const auto entry = book.find(QString(e.call));
-        EXPECT_EQ(entry ? entry->locator : QString(), e.locator) << e.call;
-        if (entry) {
-            EXPECT_EQ(entry->learned, at(e.minute)) << e.call;
-        }
+    for (const auto &[call, locator, minute] : expected) {
+        const auto entry = book.find(QString(call));
+        EXPECT_EQ(entry ? entry->locator : QString(), locator) << call;
+        EXPECT_EQ(entry ? entry->learned : at(0), at(minute)) << call;
     }
     EXPECT_EQ(book.takeChanges().size(), 5);
     EXPECT_TRUE(book.takeChanges().isEmpty());

@@ -145,24 +145,6 @@ TEST_F(HistoryTest, FileThatCannotServeIsRefusedAndLeftAsItWas) {
     EXPECT_EQ(reader.count(), 1);
 }
 
-TEST_F(HistoryTest, OldSpotsGoInBatchesAndNewerStay) {
-    HistoryDatabase db;
-    ASSERT_TRUE(db.open(path(), HistoryDatabase::Access::Writer));
-    db.begin();
-    for (int i = 0; i < 50; ++i) {
-        db.insert(historySpot(i, Noon.addSecs(60 * i)), "web");
-    }
-    db.commit();
-    const qint64 cutoff = Noon.addSecs(60 * 30).toMSecsSinceEpoch(); // spots 0..29 are older
-    EXPECT_EQ(db.prune(cutoff, 20), 20);
-    EXPECT_EQ(db.prune(cutoff, 20), 10);
-    EXPECT_EQ(db.prune(cutoff, 20), 0);
-    const std::vector<EvaluatedSpot> left = readAll(db);
-    ASSERT_EQ(left.size(), 20U);
-    EXPECT_EQ(left.front(), historySpot(30, Noon.addSecs(60 * 30)));
-    EXPECT_EQ(db.startOfNewest(5), Noon.addSecs(60 * 45).toMSecsSinceEpoch());
-}
-
 // Through the store's thread and back by arrival, not by the order stored:
 // everything since `start`, then the newest 1,000. The two odd spots, stored
 // first but the last to arrive, hold runs that do not start with the line
@@ -187,14 +169,11 @@ TEST_F(HistoryTest, StoreCommitsAndRestoresByArrival) {
     silent.runs.clear();
     silent.panes = 0;
     ASSERT_TRUE(silent.es.has_value());
-    for (const EvaluatedSpot &spot : {odd, silent}) {
-        ASSERT_TRUE(store.add(spot, "file"));
-    }
-    for (const EvaluatedSpot &spot : written) {
-        ASSERT_TRUE(store.add(spot, "file"));
-    }
     written.push_back(odd);
     written.push_back(silent);
+    for (std::size_t i = 0; i < written.size(); ++i) { // the odd two first
+        ASSERT_TRUE(store.add(written[(i + 2500) % 2502], "file"));
+    }
     store.flush();
     ASSERT_TRUE(waitFor([&] { return !committed.isEmpty(); }));
     EXPECT_EQ(committed.last().at(0).toLongLong(), 2502);
@@ -243,16 +222,15 @@ TEST(HistoryCsvTest, CellsAreWhatASpreadsheetShouldShow) {
 TEST(HistorySettingsTest, SectionOfTheSettingsFile) {
     QTemporaryDir folder;
     const QString ini = folder.filePath("zkr_muf.ini");
-    const HistorySettings defaults = HistorySettings::read(ini, "/data");
-    EXPECT_EQ(std::tuple(defaults.retentionDays, defaults.restoreHours, defaults.databasePath),
-              std::tuple(30, 2, QString("/data/history.sqlite")));
-    for (const auto &[key, value] :
-         {std::pair{"RetentionDays", "7"}, {"RestoreHours", "-1"}, {"Database", "spots.db"}}) {
-        Ini_Write("History", key, value, ini);
-    }
-    const HistorySettings set = HistorySettings::read(ini, "/data");
-    EXPECT_EQ(std::tuple(set.retentionDays, set.restoreHours, set.databasePath),
-              std::tuple(7, 2, folder.filePath("spots.db")));
+    const auto read = [&ini] {
+        const HistorySettings s = HistorySettings::read(ini, "/data");
+        return std::tuple(s.retentionDays, s.restoreHours, s.databasePath);
+    };
+    EXPECT_EQ(read(), std::tuple(30, 2, QString("/data/history.sqlite")));
+    Ini_Write("History", "RetentionDays", "7", ini);
+    Ini_Write("History", "RestoreHours", "-1", ini);
+    Ini_Write("History", "Database", "spots.db", ini);
+    EXPECT_EQ(read(), std::tuple(7, 2, folder.filePath("spots.db"))); // -1 hours: the default
 }
 
 // SIGKILL in the middle of a 10,000 spots/s flood: the file is whole, and
@@ -283,7 +261,7 @@ TEST_F(HistoryTest, KilledDuringFloodKeepsEveryCommittedSpot) {
     }
 }
 
-TEST_F(HistoryTest, ReportReadsBackAsItCameAndARepeatIsStoredOnce) {
+TEST_F(HistoryTest, ReportsReadBackARepeatIsStoredOnceAndOldRowsGoInBatches) {
     HistoryDatabase db;
     ASSERT_TRUE(db.open(path(), HistoryDatabase::Access::Writer));
     std::vector<Reception> written;
@@ -316,6 +294,21 @@ TEST_F(HistoryTest, ReportReadsBackAsItCameAndARepeatIsStoredOnce) {
         EXPECT_EQ(db.pruneReports(cutoff, 6), deleted);
     }
     EXPECT_EQ(reportsOf(db).at(0), written.at(10));
+
+    // Spots too, the newer stay.
+    db.begin();
+    for (int i = 0; i < 50; ++i) {
+        db.insert(historySpot(i, Noon.addSecs(60 * i)), "web");
+    }
+    db.commit();
+    const qint64 halfHour = Noon.addSecs(60 * 30).toMSecsSinceEpoch(); // spots 0..29 are older
+    EXPECT_EQ(db.prune(halfHour, 20), 20);
+    EXPECT_EQ(db.prune(halfHour, 20), 10);
+    EXPECT_EQ(db.prune(halfHour, 20), 0);
+    const std::vector<EvaluatedSpot> left = readAll(db);
+    ASSERT_EQ(left.size(), 20U);
+    EXPECT_EQ(left.front(), historySpot(30, Noon.addSecs(60 * 30)));
+    EXPECT_EQ(db.startOfNewest(5), Noon.addSecs(60 * 45).toMSecsSinceEpoch());
 }
 
 TEST_F(HistoryTest, StartRestoresTheBookSpotsAndReportsOfTheLastHours) {

@@ -62,9 +62,9 @@ TEST(EsWatchLevels, OneSpotHoldsTheLevelsOfItsNumbers) {
         const bool kept = expected != 0 || QString(c.spot.kind) == "spot";
         ASSERT_EQ(watch.clouds().size(), kept ? 1u : 0u);
         if (kept) {
-            EXPECT_EQ(watch.clouds().front()->square, "JN14");
-            EXPECT_EQ(watch.clouds().front()->level, c.shown);
-            EXPECT_EQ(watch.clouds().front()->levels, expected);
+            const WatchCloud &cloud = *watch.clouds().front();
+            EXPECT_EQ(std::tuple(cloud.square, cloud.level, cloud.levels),
+                      std::tuple(QString("JN14"), c.shown, expected));
         }
     }
 }
@@ -252,8 +252,7 @@ TEST(EsWatchClock, ReplayedSpotsKeepTheirOwnTime) {
 TEST(WatchSettingsFile, DefaultsRoundTripAndBadWords) {
     QTemporaryDir folder;
     const QString ini = folder.filePath("zkr_muf.ini");
-    const WatchSettings defaults = WatchSettings::read(ini);
-    EXPECT_EQ(defaults, WatchSettings()); // what they enable: WatchAlertsTest
+    EXPECT_EQ(WatchSettings::read(ini), WatchSettings()); // what they enable: WatchAlertsTest
     const WatchSettings changed{
         .band50 = true, .band144 = false, .confirmed = false, .sound = false};
     ASSERT_TRUE(changed.write(ini));

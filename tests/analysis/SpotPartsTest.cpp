@@ -99,19 +99,12 @@ TEST(Locators, SquaresFaultsAndTheFarSide) {
         EXPECT_TRUE(Check_Locator(bad)) << bad;
         EXPECT_NE(locatorProblem(bad), "") << bad;
     }
-    // Hamlib checks the subsquare centres; a square alone is taken at its
-    // subsquare LL, which Locator_To_LatLon writes back to the caller.
-    QString square = "KP20??";
-    double lat = 0, lon = 0;
-    Locator_To_LatLon(square, lat, lon);
-    const GeoPoint position = Locator_Position(u"KP20??");
-    EXPECT_EQ(square, "KP20LL");
-    EXPECT_EQ(position.latitude, lat);
-    EXPECT_EQ(position.longitude, lon);
-    EXPECT_NEAR(lat + lon, 60 + 11.0 / 24 + 1.0 / 48 + 24 + 11.0 / 12 + 1.0 / 24, 1e-12);
-    // An own locator of a square alone is the square's LL, as a spot's is.
-    EXPECT_EQ(Locator_Position(u"JO62").latitude, Locator_Position(u"JO62LL").latitude);
-    EXPECT_EQ(Locator_Position(u"JO62").longitude, Locator_Position(u"JO62LL").longitude);
+    // A square alone, a spot's ("KP20??") or the own one ("JO62"), is taken at
+    // its subsquare LL; Hamlib checks the subsquare centres.
+    for (const auto &[square, ll] : {std::pair{u"KP20??", u"KP20LL"}, {u"JO62", u"JO62LL"}}) {
+        const GeoPoint got = Locator_Position(square), want = Locator_Position(ll);
+        EXPECT_EQ(std::pair(got.latitude, got.longitude), std::pair(want.latitude, want.longitude));
+    }
     // Too short to read six characters; a field code beyond 16 bits.
     expectFault([] { Locator_Position(u"JO62Q"); }, RunTimeError::InvalidArgument, "JO62Q");
     expectFault([] { Locator_Position(u"J??"); }, RunTimeError::InvalidArgument, "J??");
@@ -124,12 +117,14 @@ TEST(Locators, SquaresFaultsAndTheFarSide) {
 }
 
 TEST(Locators, ReportLocatorsAreCutToSixCharacters) {
+    // clang-format off
     const char *const cases[][2] = {
         {"jo62qm", "JO62QM"},   {"JO62qm12", "JO62QM"}, {"io91wm54ax", "IO91WM"},
         {"PL09", "PL09"},       {"JO6", ""},            {"JO62Q", ""},
         {"JO62QMA1", ""},       {"SO62", ""},           {"JO62QY", ""},
         {"JO62QM1", ""},        {"", ""},               {"JO62QM12AY", ""},
     };
+    // clang-format on
     for (const auto &c : cases) {
         EXPECT_EQ(Report_Locator(QString(c[0])), QString(c[1])) << c[0];
     }

@@ -12,6 +12,8 @@ namespace {
 TEST(SpotPipeline, SkipsLinesWithoutPositiveFrequencyAndReportsThePanesAPageGaveEsResults) {
     SpotPipeline pipeline;
     pipeline.setSettings({.ownLocator = "JO62QM"});
+    const QDateTime now(QDate(2026, 6, 1), QTime(0, 20), Qt::UTC);
+    pipeline.setClock([&] { return now; });
     QList<EvaluatedSpot> spots;
     QStringList events;
     QObject::connect(&pipeline, &SpotPipeline::spotEvaluated, [&](const EvaluatedSpot &spot) {
@@ -27,6 +29,20 @@ TEST(SpotPipeline, SkipsLinesWithoutPositiveFrequencyAndReportsThePanesAPageGave
     ASSERT_EQ(spots.size(), 2);
     EXPECT_FLOAT_EQ(spots[0].frequency, 0.000001f);
     EXPECT_EQ(spots[1].frequency, 50.11f);
+    EXPECT_EQ(spots[1].received, now);
+    // The spot's own time dated by the arrival.
+    const std::pair<const char *, QDateTime> times[] = {
+        {"0015Z", QDateTime(QDate(2026, 6, 1), QTime(0, 15), Qt::UTC)},
+        {"2359Z", QDateTime(QDate(2026, 5, 31), QTime(23, 59), Qt::UTC)}, // made yesterday
+        {"0120Z", QDateTime(QDate(2026, 6, 1), QTime(1, 20), Qt::UTC)},   // clock an hour off
+        {"0121Z", QDateTime(QDate(2026, 5, 31), QTime(1, 21), Qt::UTC)},
+        {"2460Z", now}, // no time of day: the arrival
+        {"", now},
+    };
+    for (const auto &[time, made] : times) {
+        spots[1].time = time;
+        EXPECT_EQ(spots[1].spotTimeUtc(), made) << time;
+    }
 
     spots.clear();
     events.clear();
@@ -38,35 +54,6 @@ TEST(SpotPipeline, SkipsLinesWithoutPositiveFrequencyAndReportsThePanesAPageGave
     // A blank line still takes the cluster shape: "  " time " " tail1 " " tail2.
     EXPECT_EQ(spots[2].runs, Runs({{"    ", K}, {"\r\n", K}}));
     EXPECT_EQ(spots[1].panes, 0b0111u);
-}
-
-TEST(SpotPipeline, StampsTheArrivalAndDatesTheSpotsOwnTime) {
-    SpotPipeline pipeline;
-    pipeline.setSettings({.ownLocator = "JO62QM"});
-    QDateTime now(QDate(2026, 6, 1), QTime(0, 20), Qt::UTC);
-    pipeline.setClock([&] { return now; });
-    QList<EvaluatedSpot> spots;
-    QObject::connect(&pipeline, &SpotPipeline::spotEvaluated,
-                     [&](const EvaluatedSpot &spot) { spots.append(spot); });
-    pipeline.evaluateClusterLine(clusterLine("50110.0", "JO90JR<ES>KP20"));
-    ASSERT_EQ(spots.size(), 1);
-    EXPECT_EQ(spots[0].received, now);
-
-    struct Case {
-        const char *time;
-        QDateTime made;
-    } cases[] = {
-        {"0015Z", QDateTime(QDate(2026, 6, 1), QTime(0, 15), Qt::UTC)},
-        {"2359Z", QDateTime(QDate(2026, 5, 31), QTime(23, 59), Qt::UTC)}, // made yesterday
-        {"0120Z", QDateTime(QDate(2026, 6, 1), QTime(1, 20), Qt::UTC)},  // clock an hour off
-        {"0121Z", QDateTime(QDate(2026, 5, 31), QTime(1, 21), Qt::UTC)},
-        {"2460Z", now}, // no time of day: the arrival
-        {"", now},
-    };
-    for (const Case &c : cases) {
-        spots[0].time = c.time;
-        EXPECT_EQ(spots[0].spotTimeUtc(), c.made) << c.time;
-    }
 }
 
 struct Panes {
@@ -89,7 +76,7 @@ EvaluatedSpot printed(const char *text, unsigned panes) {
     return spot;
 }
 
-TEST(PaneWriter, PutsEachSpotOnTopOfTheSelectedPanes) {
+TEST(PaneWriter, PutsEachSpotOnTopOfTheSelectedPanesAndAPageReplacesThemInItsOwnOrder) {
     Panes p;
     p.writer.writePrompt("\r\nlogin ok>\r\n");
     p.writer.writeSpot(printed("a", 0b1001));
@@ -98,20 +85,15 @@ TEST(PaneWriter, PutsEachSpotOnTopOfTheSelectedPanes) {
     EXPECT_EQ(p.texts(), "b\r\na\r\n\r\nlogin ok>\r\n|b\r\n||a\r\n"); // cluster text in All only
     EXPECT_EQ(p.pane[0].line(3).runs, QList<ColourRun>({{9, 0xFF0000}}));
     EXPECT_EQ(p.pane[1].line(0).runs, QList<ColourRun>({{1, M}}));
-    p.writer.writeNotice("The Webserver may be down !");
-    EXPECT_EQ(p.texts(), "The Webserver may be down !|The Webserver may be down !|"
-                         "The Webserver may be down !|The Webserver may be down !");
-}
-
-TEST(PaneWriter, APageReplacesThePanesInItsOwnOrder) {
-    Panes p;
-    p.writer.writeSpot(printed("old", 0b1111));
     p.writer.beginPage();
     p.writer.writeSpot(printed("new", 0b1011));
     p.writer.writeSpot(printed("older", 0b0001));
     p.writer.endPage(0b1001);
     const QString none = "Sorry - no Es-spots found !\r\n";
     EXPECT_EQ(p.texts(), "new\r\nolder\r\n|new\r\n" + none + "|" + none + "|new\r\n");
+    p.writer.writeNotice("The Webserver may be down !");
+    EXPECT_EQ(p.texts(), "The Webserver may be down !|The Webserver may be down !|"
+                         "The Webserver may be down !|The Webserver may be down !");
 }
 
 } // namespace

@@ -24,7 +24,7 @@ QString line(const char *spotter, const char *kiloHertz, const char *dx, const c
 
 constexpr auto None = std::nullopt;
 
-TEST(CallBookLocator, GivesApproximatePathsOnlyWithinTheLimitAndNeverChangesWhatIsPrinted) {
+TEST(CallBookLocator, GivesApproximatePathsWithinTheLimitAndSaysWhereACallIs) {
     CallBookLocator locator;
     ASSERT_TRUE(locator.countries().parse(CountryExcerpt));
     const QDateTime when(QDate(2026, 6, 1), QTime(18, 0), Qt::UTC);
@@ -95,6 +95,17 @@ TEST(CallBookLocator, GivesApproximatePathsOnlyWithinTheLimitAndNeverChangesWhat
     EXPECT_EQ(locator.book().find(QString("EA8ABC"))->locator, "IL18");
     EXPECT_EQ(locator.book().find(QString("EA5ABC"))->from, LearnedFrom::Comment);
     EXPECT_EQ(locator.book().find(QString("DL7ZZZ"))->locator, "JN58");
+    // Where a call is and how it is known: the own entry, a portable call
+    // by its country, a ship nowhere.
+    const auto home = locator.where(QString("ea7xyz"));
+    ASSERT_TRUE(home);
+    EXPECT_EQ(std::tuple(home->how, home->locator, home->learned, home->country),
+              std::tuple(Located::CallBook, QString("IM76QM"), when, QString("Spain")));
+    const auto portable = locator.where(QString("EA8/EA7XYZ"));
+    ASSERT_TRUE(portable);
+    EXPECT_EQ(std::tuple(portable->how, portable->country),
+              std::tuple(Located::Country, QString("Canary Islands")));
+    EXPECT_FALSE(locator.where(QString("EA7XYZ/MM")));
 
     locator.setUncertaintyLimitKm(500);
     located.evaluateClusterLine(line("EA7XYZ", "50110.0", "DL9ZZZ", "cq"));
@@ -106,24 +117,6 @@ TEST(CallBookLocator, GivesApproximatePathsOnlyWithinTheLimitAndNeverChangesWhat
                               "\"spotter\":{\"locator\":\"IM76QM\",\"located\":\"callbook\"},"
                               "\"dx\":{\"locator\":\"JO51AA\",\"located\":\"country\"}}"))
         << json.constData();
-}
-
-TEST(CallBookLocator, SaysWhereACallIsAndHowItIsKnown) {
-    CallBookLocator locator;
-    ASSERT_TRUE(locator.countries().parse(CountryExcerpt));
-    const QDateTime when(QDate(2026, 6, 1), QTime(18, 0), Qt::UTC);
-    locator.learnOwn(QString("DL1ABC"), QString("JO62QM"), when);
-    const auto home = locator.where(QString("dl1abc"));
-    ASSERT_TRUE(home);
-    EXPECT_EQ(home->how, Located::CallBook);
-    EXPECT_EQ(home->locator, "JO62QM");
-    EXPECT_EQ(home->learned, when);
-    EXPECT_EQ(home->country, "Fed. Rep. of Germany");
-    const auto portable = locator.where(QString("EA8/DL1ABC"));
-    ASSERT_TRUE(portable);
-    EXPECT_EQ(portable->how, Located::Country);
-    EXPECT_EQ(portable->country, "Canary Islands");
-    EXPECT_FALSE(locator.where(QString("DL1ABC/MM")));
 }
 
 } // namespace

@@ -21,39 +21,34 @@ QDateTime at(int minute) {
 TEST(CountryFile, FindsTheCountryByExactCallPortableRulesAndLongestPrefix) {
     CountryFile file;
     ASSERT_TRUE(file.parse(CountryExcerpt));
-    struct Case {
-        const char *call;
+    const struct {
         const char *prefix; // nullptr: no country
         double latitude, longitude;
+        QStringList calls;
     } cases[] = {
-        {"EA7ABC", "EA", 40.32, -3.43},   // the file's longitudes are positive to the West
-        {"EA8ABC", "EA8", 28.32, -15.85}, // EA8 is longer than EA
-        {"EA8/DL1ABC", "EA8", 28.32, -15.85},
-        {"DL1ABC/EA8", "EA8", 28.32, -15.85},
-        {"EA1AK/8", "EA8", 28.32, -15.85}, // exact entry
-        {"DL1ABC/P", "DL", 51.0, 10.0},
-        {"DL1ABC/P/QRP", "DL", 51.0, 10.0},
-        {"W1ABC/KH6", "KH6", 21.12, -157.48},
-        {"KH6/W1ABC", "KH6", 21.12, -157.48},
-        {"K1ABC", "KH6", 21.12, -157.48}, // exact call beats the prefix K
-        {"K1ABD", "K", 37.6, -91.87},
-        {"W6XYZ", "K", 36.0, -120.0}, // the entry's own <lat/lon>
-        {"UA9ABC", "UA9", 55.88, 84.08},
-        {"UA9ABC/1", "UA", 53.65, 41.37}, // call area 1 is European Russia
-        {"IT9ABC", "IT9", 37.5, 14.0},
-        {"FT4JA", "FT/j", -17.05, 42.72},
-        {"FR5IZ/E", "FT/j", -17.05, 42.72},
-        {"DL1ABC/MM", nullptr, 0, 0},
-        {"EA8ABC/AM", nullptr, 0, 0},
-        {"QQ1ABC", nullptr, 0, 0},
+        {"EA", 40.32, -3.43, {"EA7ABC"}}, // the file's longitudes are positive to the West
+        // Longer than EA, portable both ways, an exact entry.
+        {"EA8", 28.32, -15.85, {"EA8ABC", "EA8/DL1ABC", "DL1ABC/EA8", "EA1AK/8"}},
+        {"DL", 51.0, 10.0, {"DL1ABC/P", "DL1ABC/P/QRP"}},
+        {"KH6", 21.12, -157.48, {"W1ABC/KH6", "KH6/W1ABC", "K1ABC"}}, // K1ABC: exact, not K
+        {"K", 37.6, -91.87, {"K1ABD"}},
+        {"K", 36.0, -120.0, {"W6XYZ"}}, // the entry's own <lat/lon>
+        {"UA9", 55.88, 84.08, {"UA9ABC"}},
+        {"UA", 53.65, 41.37, {"UA9ABC/1"}}, // call area 1 is European Russia
+        {"IT9", 37.5, 14.0, {"IT9ABC"}},
+        {"FT/j", -17.05, 42.72, {"FT4JA", "FR5IZ/E"}},
+        {nullptr, 0, 0, {"DL1ABC/MM", "EA8ABC/AM", "QQ1ABC"}},
     };
-    for (const Case &c : cases) {
-        const auto found = file.find(QString(c.call));
-        ASSERT_EQ(found.has_value(), c.prefix != nullptr) << c.call;
-        if (found) {
-            EXPECT_EQ(found->prefix, c.prefix) << c.call;
-            EXPECT_NEAR(found->position.latitude, c.latitude, 1e-9) << c.call;
-            EXPECT_NEAR(found->position.longitude, c.longitude, 1e-9) << c.call;
+    for (const auto &c : cases) {
+        for (const QString &call : c.calls) {
+            SCOPED_TRACE(call.toStdString());
+            const auto found = file.find(call);
+            ASSERT_EQ(found.has_value(), c.prefix != nullptr);
+            if (found) {
+                EXPECT_EQ(found->prefix, c.prefix);
+                EXPECT_NEAR(found->position.latitude, c.latitude, 1e-9);
+                EXPECT_NEAR(found->position.longitude, c.longitude, 1e-9);
+            }
         }
     }
 }
@@ -75,13 +70,8 @@ TEST(CountryFile, LoadsTheInstalledFileAndReportsAMissingOne) {
 
 TEST(CallBook, KeepsTheLatestLocatorOfEachCallAsWritten) {
     CallBook book;
-    struct Step {
-        const char *call;
-        const char *locator;
-        int minute;
-        LearnedFrom from;
-        bool changes;
-    } steps[] = {
+    // Call, locator, minute learned, from where, whether the book changes.
+    const std::tuple<const char *, const char *, int, LearnedFrom, bool> steps[] = {
         {"DL1ABC", "JO62QM", 10, LearnedFrom::Wsjtx, true},
         {"DL1ABC/P", "JO50AA", 20, LearnedFrom::Comment, true}, // not the home call
         {"EA8/DL1ABC", "IL18", 20, LearnedFrom::PskReporter, true},
@@ -94,25 +84,20 @@ TEST(CallBook, KeepsTheLatestLocatorOfEachCallAsWritten) {
         {"CQ", "JO62", 50, LearnedFrom::Comment, false},
         {"F5ABC", "JN99ZZ", 50, LearnedFrom::Comment, false}, // no locator (ZZ)
     };
-    for (const Step &s : steps) {
-        EXPECT_EQ(book.learn(QString(s.call), QString(s.locator), at(s.minute), s.from), s.changes)
-            << s.call << " " << s.locator;
+    for (const auto &[call, locator, minute, from, changes] : steps) {
+        EXPECT_EQ(book.learn(QString(call), QString(locator), at(minute), from), changes)
+            << call << " " << locator;
     }
-    struct Expected {
-        const char *call;
-        const char *locator; // "": not in the book
-        int minute;
-    } expected[] = {
+    // Call, locator ("": not in the book), minute learned.
+    const std::tuple<const char *, const char *, int> expected[] = {
         {"DL1ABC", "JO62QM", 30}, {"DL1ABC/P", "JO50AA", 20}, {"EA8/DL1ABC", "IL18", 20},
         {"SP9XYZ", "KO00AA", 10}, {"G4ABC", "IO91", 1},       {"DL1ABC/MM", "", 0},
         {"DL1ABC/QRP", "", 0},    {"EA8/SP9XYZ", "", 0},
     };
-    for (const Expected &e : expected) {
-        const auto entry = book.find(QString(e.call));
-        EXPECT_EQ(entry ? entry->locator : QString(), e.locator) << e.call;
-        if (entry) {
-            EXPECT_EQ(entry->learned, at(e.minute)) << e.call;
-        }
+    for (const auto &[call, locator, minute] : expected) {
+        const auto entry = book.find(QString(call));
+        EXPECT_EQ(entry ? entry->locator : QString(), locator) << call;
+        EXPECT_EQ(entry ? entry->learned : at(0), at(minute)) << call;
     }
     EXPECT_EQ(book.takeChanges().size(), 5);
     EXPECT_TRUE(book.takeChanges().isEmpty());
@@ -142,14 +127,9 @@ TEST(CallBook, SurvivesTheHistoryFileAndExportsAsCsv) {
         {"EA8/DL1ABC", "IL18", at(2), LearnedFrom::Comment},
         {"G4ABC", "IO91", at(1), LearnedFrom::Own},
     };
-    {
-        HistoryDatabase db;
-        ASSERT_TRUE(db.open(path, HistoryDatabase::Access::Writer))
-            << db.errorString().toStdString();
-        ASSERT_TRUE(db.writeCallBook(stored));
-    }
-    HistoryDatabase db;
-    ASSERT_TRUE(db.open(path, HistoryDatabase::Access::Writer));
+    HistoryDatabase db; // reopening the file: HistoryTest's restore at start
+    ASSERT_TRUE(db.open(path, HistoryDatabase::Access::Writer)) << db.errorString().toStdString();
+    ASSERT_TRUE(db.writeCallBook(stored));
     CallBook book;
     ASSERT_TRUE(db.readCallBook([&book](const CallBookEntry &entry) {
         book.restore(entry);

@@ -26,9 +26,8 @@ inline EvaluatedSpot historySpot(int i, const QDateTime &received) {
                          QStringLiteral("OH%1XY").arg(i).leftJustified(13) +
                          QString::fromLatin1(Comments[k]).leftJustified(31) +
                          QStringLiteral("%1Z").arg(1000 + i % 800 / 60 * 100 + i % 60, 4);
-    AnalysisSettings settings;
-    settings.ownLocator = QStringLiteral("JO62QM");
-    EvaluatedSpot spot = SpotEvaluator(settings).evaluateClusterLine(line);
+    EvaluatedSpot spot =
+        SpotEvaluator({.ownLocator = QStringLiteral("JO62QM")}).evaluateClusterLine(line);
     spot.received = received;
     return spot;
 }

@@ -58,6 +58,22 @@ std::vector<Reception> reportsOf(HistoryDatabase &db) {
     return all;
 }
 
+// Runs `statements` on an SQLite file as another program would.
+bool execute(const QString &file, std::initializer_list<const char *> statements) {
+    bool done = false;
+    {
+        QSqlDatabase other = QSqlDatabase::addDatabase("QSQLITE", "other");
+        other.setDatabaseName(file);
+        done = other.open();
+        for (const char *sql : statements) {
+            done = done && QSqlQuery(other).exec(sql);
+        }
+        other.close();
+    }
+    QSqlDatabase::removeDatabase("other");
+    return done;
+}
+
 class HistoryTest : public ::testing::Test {
 protected:
     QString path(const char *name = "history.sqlite") const { return folder.filePath(name); }
@@ -100,14 +116,7 @@ TEST_F(HistoryTest, FileThatCannotServeIsRefusedAndLeftAsItWas) {
     garbage.open(QIODevice::WriteOnly);
     garbage.write(QByteArray("SQLite format 3").append(4081, '\x5A'));
     garbage.close();
-    {
-        QSqlDatabase other = QSqlDatabase::addDatabase("QSQLITE", "other"); // another program's
-        other.setDatabaseName(path("other.sqlite"));
-        ASSERT_TRUE(other.open());
-        QSqlQuery(other).exec("CREATE TABLE log (x)");
-        other.close();
-    }
-    QSqlDatabase::removeDatabase("other");
+    ASSERT_TRUE(execute(path("other.sqlite"), {"CREATE TABLE log (x)"})); // another program's
     HistoryDatabase holder;
     ASSERT_TRUE(holder.open(path("held.sqlite"), HistoryDatabase::Access::Writer));
     using enum HistoryDatabase::Access;
@@ -136,24 +145,6 @@ TEST_F(HistoryTest, FileThatCannotServeIsRefusedAndLeftAsItWas) {
     EXPECT_EQ(reader.count(), 1);
 }
 
-TEST_F(HistoryTest, OldSpotsGoInBatchesAndNewerStay) {
-    HistoryDatabase db;
-    ASSERT_TRUE(db.open(path(), HistoryDatabase::Access::Writer));
-    db.begin();
-    for (int i = 0; i < 50; ++i) {
-        db.insert(historySpot(i, Noon.addSecs(60 * i)), "web");
-    }
-    db.commit();
-    const qint64 cutoff = Noon.addSecs(60 * 30).toMSecsSinceEpoch(); // spots 0..29 are older
-    EXPECT_EQ(db.prune(cutoff, 20), 20);
-    EXPECT_EQ(db.prune(cutoff, 20), 10);
-    EXPECT_EQ(db.prune(cutoff, 20), 0);
-    const std::vector<EvaluatedSpot> left = readAll(db);
-    ASSERT_EQ(left.size(), 20U);
-    EXPECT_EQ(left.front(), historySpot(30, Noon.addSecs(60 * 30)));
-    EXPECT_EQ(db.startOfNewest(5), Noon.addSecs(60 * 45).toMSecsSinceEpoch());
-}
-
 // Through the store's thread and back by arrival, not by the order stored:
 // everything since `start`, then the newest 1,000. The two odd spots, stored
 // first but the last to arrive, hold runs that do not start with the line
@@ -178,14 +169,11 @@ TEST_F(HistoryTest, StoreCommitsAndRestoresByArrival) {
     silent.runs.clear();
     silent.panes = 0;
     ASSERT_TRUE(silent.es.has_value());
-    for (const EvaluatedSpot &spot : {odd, silent}) {
-        ASSERT_TRUE(store.add(spot, "file"));
-    }
-    for (const EvaluatedSpot &spot : written) {
-        ASSERT_TRUE(store.add(spot, "file"));
-    }
     written.push_back(odd);
     written.push_back(silent);
+    for (std::size_t i = 0; i < written.size(); ++i) { // the odd two first
+        ASSERT_TRUE(store.add(written[(i + 2500) % 2502], "file"));
+    }
     store.flush();
     ASSERT_TRUE(waitFor([&] { return !committed.isEmpty(); }));
     EXPECT_EQ(committed.last().at(0).toLongLong(), 2502);
@@ -234,16 +222,15 @@ TEST(HistoryCsvTest, CellsAreWhatASpreadsheetShouldShow) {
 TEST(HistorySettingsTest, SectionOfTheSettingsFile) {
     QTemporaryDir folder;
     const QString ini = folder.filePath("zkr_muf.ini");
-    const HistorySettings defaults = HistorySettings::read(ini, "/data");
-    EXPECT_EQ(std::tuple(defaults.retentionDays, defaults.restoreHours, defaults.databasePath),
-              std::tuple(30, 2, QString("/data/history.sqlite")));
-    for (const auto &[key, value] :
-         {std::pair{"RetentionDays", "7"}, {"RestoreHours", "-1"}, {"Database", "spots.db"}}) {
-        Ini_Write("History", key, value, ini);
-    }
-    const HistorySettings set = HistorySettings::read(ini, "/data");
-    EXPECT_EQ(std::tuple(set.retentionDays, set.restoreHours, set.databasePath),
-              std::tuple(7, 2, folder.filePath("spots.db")));
+    const auto read = [&ini] {
+        const HistorySettings s = HistorySettings::read(ini, "/data");
+        return std::tuple(s.retentionDays, s.restoreHours, s.databasePath);
+    };
+    EXPECT_EQ(read(), std::tuple(30, 2, QString("/data/history.sqlite")));
+    Ini_Write("History", "RetentionDays", "7", ini);
+    Ini_Write("History", "RestoreHours", "-1", ini);
+    Ini_Write("History", "Database", "spots.db", ini);
+    EXPECT_EQ(read(), std::tuple(7, 2, folder.filePath("spots.db"))); // -1 hours: the default
 }
 
 // SIGKILL in the middle of a 10,000 spots/s flood: the file is whole, and
@@ -274,7 +261,7 @@ TEST_F(HistoryTest, KilledDuringFloodKeepsEveryCommittedSpot) {
     }
 }
 
-TEST_F(HistoryTest, ReportReadsBackAsItCameAndARepeatIsStoredOnce) {
+TEST_F(HistoryTest, ReportsReadBackARepeatIsStoredOnceAndOldRowsGoInBatches) {
     HistoryDatabase db;
     ASSERT_TRUE(db.open(path(), HistoryDatabase::Access::Writer));
     std::vector<Reception> written;
@@ -307,6 +294,21 @@ TEST_F(HistoryTest, ReportReadsBackAsItCameAndARepeatIsStoredOnce) {
         EXPECT_EQ(db.pruneReports(cutoff, 6), deleted);
     }
     EXPECT_EQ(reportsOf(db).at(0), written.at(10));
+
+    // Spots too, the newer stay.
+    db.begin();
+    for (int i = 0; i < 50; ++i) {
+        db.insert(historySpot(i, Noon.addSecs(60 * i)), "web");
+    }
+    db.commit();
+    const qint64 halfHour = Noon.addSecs(60 * 30).toMSecsSinceEpoch(); // spots 0..29 are older
+    EXPECT_EQ(db.prune(halfHour, 20), 20);
+    EXPECT_EQ(db.prune(halfHour, 20), 10);
+    EXPECT_EQ(db.prune(halfHour, 20), 0);
+    const std::vector<EvaluatedSpot> left = readAll(db);
+    ASSERT_EQ(left.size(), 20U);
+    EXPECT_EQ(left.front(), historySpot(30, Noon.addSecs(60 * 30)));
+    EXPECT_EQ(db.startOfNewest(5), Noon.addSecs(60 * 45).toMSecsSinceEpoch());
 }
 
 TEST_F(HistoryTest, StartRestoresTheBookSpotsAndReportsOfTheLastHours) {
@@ -408,17 +410,8 @@ TEST_F(HistoryTest, FileOfTheFirstVersionKeepsItsSpots) {
             db.insert(spot, "web");
         }
     }
-    {
-        QSqlDatabase old = QSqlDatabase::addDatabase("QSQLITE", "old");
-        old.setDatabaseName(path());
-        ASSERT_TRUE(old.open());
-        for (const char *sql : {"DROP TABLE report", "ALTER TABLE spot DROP COLUMN approximate",
-                                "PRAGMA user_version=1"}) {
-            ASSERT_TRUE(QSqlQuery(old).exec(sql)) << sql;
-        }
-        old.close();
-    }
-    QSqlDatabase::removeDatabase("old");
+    ASSERT_TRUE(execute(path(), {"DROP TABLE report", "ALTER TABLE spot DROP COLUMN approximate",
+                                 "PRAGMA user_version=1"}));
     spots.push_back(historySpot(2, Noon.addSecs(2)));
     spots.back().approximate =
         ApproximatePath{{}, "JO62", "KP20", Located::Comment, Located::CallBook, 100};
@@ -428,16 +421,7 @@ TEST_F(HistoryTest, FileOfTheFirstVersionKeepsItsSpots) {
         const bool writer = access == HistoryDatabase::Access::Writer;
         EXPECT_TRUE(!writer || (db.insert(spots.back(), "web") &&
                                 db.insertReport(historyReport(0, Noon.addSecs(3)))));
-        std::vector<EvaluatedSpot> read;
-        qint64 reports = 0;
-        EXPECT_TRUE(db.read(
-            0, std::numeric_limits<qint64>::max(),
-            [&](const EvaluatedSpot &spot, const QString &) {
-                read.push_back(spot);
-                return true;
-            },
-            [&](const Reception &) { return ++reports > 0; }));
-        EXPECT_EQ(read, std::vector(spots.begin(), spots.end() - (writer ? 0 : 1)));
-        EXPECT_EQ(reports, writer ? 1 : 0);
+        EXPECT_EQ(readAll(db), std::vector(spots.begin(), spots.end() - (writer ? 0 : 1)));
+        EXPECT_EQ(reportsOf(db).size(), writer ? 1u : 0u);
     }
 }

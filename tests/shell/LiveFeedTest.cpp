@@ -1,10 +1,7 @@
 // The live feed end to end: a cluster on this machine, the program's window
 // logged into it, and the spots it sends however the network cuts them.
-#include "CliOptions.h"
-#include "CliReplay.h"
 #include "ShellFakes.h"
 
-#include <QBuffer>
 #include <QTcpServer>
 #include <QTest>
 
@@ -57,60 +54,35 @@ struct Program : test::ProgramRig {
     }
 };
 
-// A pane as text and colour runs, for comparing two whole panes.
-QStringList lines(const MemoryPane &pane) {
-    QStringList out;
-    for (std::int64_t i = 0; i < pane.lineCount(); ++i) {
-        QString line = pane.line(i).text + QLatin1Char('|');
-        for (const ColourRun &run : pane.line(i).runs) {
-            line += QStringLiteral("%1:%2 ").arg(run.length).arg(run.colour, 0, 16);
+// Whole, in network segments, in odd pieces.
+TEST(LiveFeed, GivesThePanesOfAFileReplayOfTheSameBytesHoweverCut) {
+    const std::pair<QList<int>, int> cuts[] = {
+        {{}, 0}, {{1448}, 20}, {{1, 7, 13, 1000, 3, 211}, 2}};
+    for (const auto &[sizes, gapMs] : cuts) {
+        SCOPED_TRACE(sizes.size());
+        Program program;
+        program.send(stream(1, 120), sizes, gapMs);
+        program.node.greeting = spot(121, "JO62QM<ES>KP20") + "\r\n"; // at once after the login
+        program.node.closeClients();
+        ASSERT_TRUE(waitFor([&] { return program.node.logins().size() == 2; }));
+        program.send(spot(9999, "JO90JR<ES>KP20") + "\r\n", sizes, gapMs);
+        ASSERT_TRUE(waitFor([&] { return program.shows(QStringLiteral("OK9999")); }));
+
+        // The record of what was heard, replayed by the headless tool.
+        const auto tool =
+            test::toolPanes(program.state.Console_Lines.join(QString()).toLatin1(), false);
+        for (int pane = 0; pane < 4; ++pane) {
+            EXPECT_EQ(test::paneLines(program.window.workingPane(pane)), tool[pane])
+                << "pane " << pane;
         }
-        out.append(line);
-    }
-    return out;
-}
-
-struct Cut {
-    const char *name;
-    QList<int> sizes;
-    int gapMs;
-};
-
-class LiveFeed : public ::testing::TestWithParam<Cut> {};
-
-TEST_P(LiveFeed, GivesThePanesOfAFileReplayOfTheSameBytes) {
-    Program program;
-    program.send(stream(1, 120), GetParam().sizes, GetParam().gapMs);
-    program.node.greeting = spot(121, "JO62QM<ES>KP20") + "\r\n"; // at once after the login
-    program.node.closeClients();
-    ASSERT_TRUE(waitFor([&] { return program.node.logins().size() == 2; }));
-    program.send(spot(9999, "JO90JR<ES>KP20") + "\r\n", GetParam().sizes, GetParam().gapMs);
-    ASSERT_TRUE(waitFor([&] { return program.shows(QStringLiteral("OK9999")); }));
-
-    CliOptions options;
-    options.ownLocator = QStringLiteral("JO62QM");
-    CliReplay replay(options);
-    QByteArray heard = program.state.Console_Lines.join(QString()).toLatin1(); // the record
-    QBuffer recorded(&heard);
-    recorded.open(QIODevice::ReadOnly);
-    replay.replayClusterText(recorded);
-    for (int pane = 0; pane < 4; ++pane) {
-        EXPECT_EQ(lines(program.window.workingPane(pane)), lines(replay.panes()[pane]))
-            << "pane " << pane;
-    }
-    // Every spot of the stream is in the All pane, the "login:" one too.
-    EXPECT_TRUE(program.shows(QString::fromUtf8("OK0003      \xE2\x82\xAC"))); // UTF-8 read as such
-    for (int n = 1; n <= 121; ++n) {
-        EXPECT_TRUE(program.shows(QStringLiteral("OK%1").arg(n, 4, 10, QLatin1Char('0')))) << n;
+        // Every spot of the stream is in the All pane, the "login:" one too.
+        EXPECT_TRUE(
+            program.shows(QString::fromUtf8("OK0003      \xE2\x82\xAC"))); // UTF-8 read as such
+        for (int n = 1; n <= 121; ++n) {
+            EXPECT_TRUE(program.shows(QStringLiteral("OK%1").arg(n, 4, 10, QLatin1Char('0')))) << n;
+        }
     }
 }
-
-INSTANTIATE_TEST_SUITE_P(Cuts, LiveFeed,
-                         ::testing::Values(Cut{"whole", {}, 0}, Cut{"segments", {1448}, 20},
-                                           Cut{"odd", {1, 7, 13, 1000, 3, 211}, 2}),
-                         [](const ::testing::TestParamInfo<Cut> &cut) {
-                             return std::string(cut.param.name);
-                         });
 
 // The session's own retries are tested with it, coming back by itself in the
 // window above; here what the window says and that a click on the status

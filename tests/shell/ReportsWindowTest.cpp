@@ -4,7 +4,6 @@
 #include "ReportSources.h"
 #include "ShellFakes.h"
 #include "WsjtxDatagrams.h"
-#include "frmZKR_MUF_Setup.h"
 
 #include <QAction>
 #include <QCheckBox>
@@ -12,6 +11,8 @@
 #include <QSignalSpy>
 #include <QSpinBox>
 #include <QUdpSocket>
+
+#include <algorithm>
 
 namespace zkr {
 namespace {
@@ -51,14 +52,11 @@ struct ReportsRig : test::ProgramRig {
                           message));
     }
     bool watched(const QString &call) {
-        for (const WatchCloud *cloud : window.esWatch().watch().clouds()) {
-            for (const WatchSpot &spot : cloud->spots) {
-                if (spot.heard == call) {
-                    return true;
-                }
-            }
-        }
-        return false;
+        const auto clouds = window.esWatch().watch().clouds();
+        return std::any_of(clouds.begin(), clouds.end(), [&call](const WatchCloud *cloud) {
+            return std::any_of(cloud->spots.begin(), cloud->spots.end(),
+                               [&call](const WatchSpot &spot) { return spot.heard == call; });
+        });
     }
     QString where(const QString &typed) {
         auto *box = child<QLineEdit>("text_WhereCall");
@@ -66,14 +64,6 @@ struct ReportsRig : test::ProgramRig {
         QTest::keyClicks(box, typed);
         QTest::keyClick(box, Qt::Key_Return);
         return label("Label_WhereAnswer");
-    }
-    void openSetup(const std::function<void(frmZKR_MUF_Setup &)> &inside) {
-        window.setupWindow().setModalSession([&inside](frmZKR_MUF_Setup &dialog) {
-            dialog.show();
-            inside(dialog);
-            dialog.Command_SaveConfig_Click();
-        });
-        window.Setup_Click();
     }
 };
 
@@ -179,6 +169,7 @@ TEST(ReportsWindow, SetupSavesTheSourcesAndRestartsOnlyWhatChanged) {
             } else {
                 dialog.findChild<QCheckBox *>(e.field)->click();
             }
+            dialog.Command_SaveConfig_Click();
         });
         EXPECT_TRUE(rig.ini().contains(e.saved)) << rig.ini().toStdString();
         EXPECT_EQ(told.size() > before, e.restarted);

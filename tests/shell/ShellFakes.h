@@ -1,5 +1,7 @@
 #pragma once
 
+#include "CliOptions.h"
+#include "CliReplay.h"
 #include "IniFile.h"
 #include "LocalClusterServer.h"
 #include "LocalHttpServer.h"
@@ -11,12 +13,16 @@
 #include "SpotSources.h"
 #include "WaitFor.h"
 #include "frmZKR_MUF.h"
+#include "frmZKR_MUF_Setup.h"
 
+#include <QBuffer>
 #include <QFile>
 #include <QLabel>
 #include <QPushButton>
 #include <QTemporaryDir>
 #include <QTimer>
+
+#include <functional>
 
 #include <gtest/gtest.h>
 
@@ -38,6 +44,36 @@ inline QByteArray spotPage(const QByteArray &tail) {
     return "<html><script>" + QByteArray(79, 'S') + "</script><pre>\n" +
            "DL1ABC         50110.0 OH1XYZ       JO90JR &lt;ES&gt; KP20 " + tail +
            "      1712\n</pre></html>";
+}
+
+// A pane as text and colour runs, for comparing two whole panes.
+inline QStringList paneLines(const MemoryPane &pane) {
+    QStringList out;
+    for (std::int64_t i = 0; i < pane.lineCount(); ++i) {
+        QString line = pane.line(i).text + QLatin1Char('|');
+        for (const ColourRun &run : pane.line(i).runs) {
+            line += QStringLiteral("%1:%2 ").arg(run.length).arg(run.colour, 0, 16);
+        }
+        out.append(line);
+    }
+    return out;
+}
+
+// The panes the headless tool makes of the same bytes (a cluster record or a
+// web page), seen from JO62QM.
+inline std::vector<QStringList> toolPanes(QByteArray bytes, bool webPage) {
+    CliOptions options;
+    options.ownLocator = QStringLiteral("JO62QM");
+    options.webPage = webPage;
+    CliReplay tool(options);
+    QBuffer input(&bytes);
+    input.open(QIODevice::ReadOnly);
+    webPage ? tool.evaluateSpotPage(input) : void(tool.replayClusterText(input));
+    std::vector<QStringList> out;
+    for (const MemoryPane &pane : tool.panes()) {
+        out.push_back(paneLines(pane));
+    }
+    return out;
 }
 
 // The program in a folder of its own; its cluster and web server on this machine.
@@ -75,6 +111,14 @@ template <class PlatformType = ScriptedPlatform> struct ProgramRigOn {
         return window.findChild<T *>(QLatin1String(name));
     }
     QString label(const char *name) { return child<QLabel>(name)->text(); }
+    // The Setup button; `inside` runs while the dialog is open.
+    void openSetup(const std::function<void(frmZKR_MUF_Setup &)> &inside) {
+        window.setupWindow().setModalSession([&inside](frmZKR_MUF_Setup &dialog) {
+            dialog.show();
+            inside(dialog);
+        });
+        window.Setup_Click();
+    }
     // The web fetch under way, if any, has ended.
     bool webIdle() {
         return waitFor([this] { return !window.sources().web().isBusy(); });

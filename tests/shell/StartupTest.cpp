@@ -7,7 +7,6 @@
 #include "StartupWindow.h"
 
 #include <QFileInfo>
-#include <QTemporaryDir>
 
 namespace zkr {
 namespace {
@@ -181,11 +180,7 @@ TEST(StartupSettings, FirstRunInAFolderNobodyMayWriteAsksOnceAndGoesOn) {
     for (const char *answer : {"dl1abc", "JO6", "jo62qm"}) {
         rig.platform.answerInputBox(QString(answer));
     }
-    rig.platform.setEnvironmentValue(site::WebClusterUrlVariable, "http://127.0.0.1:8/spots");
-    rig.platform.setEnvironmentValue(site::DownloadPageUrlVariable, "http://127.0.0.1:8/dl");
     rig.start();
-    EXPECT_EQ(rig.state.WebCluster_Url + rig.state.UpdatePage_Url,
-              "http://127.0.0.1:8/spotshttp://127.0.0.1:8/dl");
     // A rejected locator: two beeps, the prompt again with what is wrong.
     EXPECT_EQ(rig.platform.log(),
               QStringList({Beep, Arm, CallPrompt + R"("dl1abc")", Beep, Arm,
@@ -243,20 +238,20 @@ TEST(StartupSettings, OnlyAnOlderFileIsReplaced) {
     }
 }
 
+// The settings file may name a download page; the environment's stays otherwise.
 TEST(StartupSettings, UpdateCheckValueSetsTheSetupBox) {
-    const std::pair<const char *, const char *> cases[] = {{"UpdateCheck = ON ", "autoupdate 1"},
-                                                           {"", "autoupdate 0"},
-                                                           {"UpdateCheck=yes", "autoupdate 0"}};
-    for (const auto &[line, event] : cases) {
+    const std::tuple<const char *, const char *, const char *> cases[] = {
+        {"UpdateCheck = ON ", "autoupdate 1", "http://env.test/"},
+        {"", "autoupdate 0", "http://env.test/"},
+        {"UpdateCheck=yes", "autoupdate 0", "http://env.test/"},
+        {"DownloadPage = http://mirror.test/dl ", "autoupdate 0", "http://mirror.test/dl"}};
+    for (const auto &[line, event, page] : cases) {
         StartupRig rig(QByteArray("[AutoUpdateCheck]\r\n") + line + "\r\n");
+        rig.state.UpdatePage_Url = "http://env.test/";
         rig.settings.Read_Settings();
         EXPECT_EQ(rig.setupEvents, QStringList{event}) << line;
+        EXPECT_EQ(rig.state.UpdatePage_Url, page) << line;
     }
-    // The settings file may name a download page; the environment's stays otherwise.
-    StartupRig rig("[AutoUpdateCheck]\r\nDownloadPage = http://mirror.test/dl \r\n");
-    rig.state.UpdatePage_Url = "http://env.test/";
-    rig.settings.Read_Settings();
-    EXPECT_EQ(rig.state.UpdatePage_Url, "http://mirror.test/dl");
 }
 
 // A writable program folder is a portable installation; otherwise the user's
@@ -284,9 +279,7 @@ TEST(ProgramFolders, PortableBesideTheProgramInstalledInTheUsersFolders) {
         QStringList({home.filePath("data/zkr_muf/TelnetDXCluster.txt"),
                      "/proc/share/zkr_muf/TelnetDXCluster.txt", "/proc/self/TelnetDXCluster.txt"}));
     EXPECT_EQ(installed.clusterList(), "");
-    QFile own(installed.clusterLists[0]);
-    ASSERT_TRUE(own.open(QIODevice::WriteOnly));
-    own.close();
+    ASSERT_TRUE(test::writeBytes(installed.clusterLists[0], ""));
     EXPECT_EQ(installed.clusterList(), installed.clusterLists[0]);
 
     // Installed where this user may write (root, /usr/bin): still installed.

@@ -1,11 +1,6 @@
 // The web spot page in the window: the tool's text, one fetch at a time.
-#include "CliOptions.h"
-#include "CliReplay.h"
 #include "ShellFakes.h"
 
-#include <QBuffer>
-
-#include <functional>
 #include <utility>
 
 using namespace zkr;
@@ -62,15 +57,9 @@ TEST(WebPage, WindowAndToolShowTheSameTextUnlessTheHeaderNamesTheCharset) {
         const QString shown = rig.window.workingPane(0).text();
         EXPECT_TRUE(shown.contains(QString::fromUtf8("KP20 € “Es”")) && shown.contains("MUF="))
             << shown.toStdString();
-        CliOptions options;
-        options.ownLocator = "JO62QM";
-        options.webPage = true;
-        CliReplay tool(options);
-        QBuffer saved;
-        saved.setData(c.body);
-        saved.open(QIODevice::ReadOnly);
-        tool.evaluateSpotPage(saved);
-        EXPECT_EQ(tool.panes()[0].text() == shown, c.toolToo) << shown.toStdString();
+        EXPECT_EQ(test::toolPanes(c.body, true)[0] == test::paneLines(rig.window.workingPane(0)),
+                  c.toolToo)
+            << shown.toStdString();
     }
 }
 

@@ -55,9 +55,9 @@ TEST(FileReplay, ReplaysAFileInSlicesInTheBackground) {
     QStringList expected;
     QTemporaryFile file;
     ASSERT_TRUE(file.open());
-    for (int i = 0; i <= 600; ++i) { // two slices, the last line unterminated
+    for (int i = 0; i <= 1000; ++i) { // two slices, the last line unterminated
         expected << QString::fromLatin1(spotLine(i));
-        file.write(spotLine(i) + (i < 600 ? "\x07\x07\r\n" : ""));
+        file.write(spotLine(i) + (i < 1000 ? "\x07\x07\r\n" : ""));
     }
     file.close();
     ClusterFeed feed;
@@ -75,40 +75,29 @@ TEST(FileReplay, ReplaysAFileInSlicesInTheBackground) {
 }
 
 // How the node cuts the stream is the window's end-to-end test (LiveFeedTest).
-TEST(ClusterSession, ComesBackByItselfAfterTheNodeDropsTheLinkAndLosesNoSpotAfterIt) {
+// The close comes while the session still reads a flood a slice per turn.
+TEST(ClusterSession, ComesBackByItselfAfterTheNodeDropsTheLinkAndLosesNoSpotAroundIt) {
     LocalClusterServer node;
     // Retries after 200 ms to 1 s, connect timeout, keep-alive 60/20/5, write gap.
     Watched w({200, 1000, 2000, 60, 20, 5, 20});
     w.start(node.port());
     ASSERT_TRUE(waitFor([&] { return w.session.state() == State::LoggedIn; }));
 
-    // A telnet option, two whole spots and half a third, then the node hangs up.
-    node.send("\xff\xfb\x01" + spotLine(1) + "\r\n" + spotLine(2) + "\r\n" + spotLine(3).left(30));
-    EXPECT_TRUE(waitFor([&] { return node.received().contains("\xff\xfe\x01"); })); // refused
+    // 4000 whole spots and half of one more, then the node hangs up.
+    node.send(QByteArray(spotLine(1) + "\r\n").repeated(3999) + spotLine(2) + "\r\n" +
+              spotLine(3).left(30));
     node.closeClients();
     ASSERT_TRUE(waitFor([&] { return w.failures.size() == 1; }));
-    EXPECT_EQ(w.spots, QStringList({spotLine(1), spotLine(2)}));
-    EXPECT_TRUE(w.statuses.contains("Reconnecting in 1 s (attempt 1) to GB7TST"))
-        << testing::PrintToString(w.statuses);
+    ASSERT_EQ(w.spots.size(), 4000);
+    EXPECT_EQ(w.spots.last(), spotLine(2));
 
     ASSERT_TRUE(
         waitFor([&] { return node.logins().size() == 2 && w.session.state() == State::LoggedIn; }));
-    EXPECT_EQ(w.session.attempt(), 0);
-    node.send(spotLine(4) + "\r\n" + spotLine(5) + "\r\n");
-    EXPECT_TRUE(waitFor([&] { return w.spots.size() == 4; }));
-    EXPECT_EQ(w.spots.mid(2), QStringList({spotLine(4), spotLine(5)}));
-}
-
-// The close comes while the session still reads the flood a slice per turn.
-TEST(ClusterSession, ShowsTheSpotsThatCameJustBeforeTheNodeClosed) {
-    LocalClusterServer node;
-    Watched w({200, 1000, 2000, 60, 20, 5, 20});
-    w.start(node.port());
-    ASSERT_TRUE(waitFor([&] { return w.session.state() == State::LoggedIn; }));
-    node.send(QByteArray(spotLine(1) + "\r\n").repeated(4000));
-    node.closeClients();
-    ASSERT_TRUE(waitFor([&] { return w.failures.size() == 1; }));
-    EXPECT_EQ(w.spots.size(), 4000);
+    // A telnet option the session refuses, then two spots.
+    node.send("\xff\xfb\x01" + spotLine(4) + "\r\n" + spotLine(5) + "\r\n");
+    EXPECT_TRUE(waitFor([&] { return node.received().contains("\xff\xfe\x01"); }));
+    EXPECT_TRUE(waitFor([&] { return w.spots.size() == 4002; }));
+    EXPECT_EQ(w.spots.mid(4000), QStringList({spotLine(4), spotLine(5)}));
 }
 
 // Node operators block clients that retry every few seconds for hours.
@@ -133,7 +122,6 @@ TEST(ClusterSession, RetriesARefusedPortCountingDownUntilANodeListensThere) {
     const QString endpoint = QString(" GB7TST 127.0.0.1:%1").arg(port);
     EXPECT_EQ(w.statuses.value(0), " trying to connect to" + endpoint);
     ASSERT_TRUE(waitFor([&] { return w.session.attempt() == 2; }));
-    EXPECT_EQ(w.failures.size(), 2);
     for (const char *status : {"in 2 s (attempt 1)", "in 1 s (attempt 1)"}) {
         EXPECT_TRUE(w.statuses.contains("Reconnecting " + QString(status) + " to GB7TST"));
     }
@@ -142,7 +130,6 @@ TEST(ClusterSession, RetriesARefusedPortCountingDownUntilANodeListensThere) {
 
     LocalClusterServer node(port);
     w.session.retryNow();
-    EXPECT_EQ(w.session.state(), State::Connecting);
     ASSERT_TRUE(waitFor([&] { return w.session.state() == State::LoggedIn; }));
     EXPECT_EQ(w.statuses.last(), " Connected to" + endpoint);
     EXPECT_EQ(w.session.attempt(), 0);

@@ -16,10 +16,7 @@ namespace {
 
 LocalHttpServer::Response page(int status, const QByteArray &body,
                                const QByteArray &charset = "iso-8859-1", int trickleMs = 0) {
-    LocalHttpServer::Response r;
-    std::tie(r.status, r.body, r.contentType, r.trickleMs) =
-        std::tuple(status, body, "text/html; charset=" + charset, trickleMs);
-    return r;
+    return {status, body, "text/html; charset=" + charset, false, trickleMs};
 }
 
 // A client with everything it reports.
@@ -67,9 +64,7 @@ TEST(WebClient, FetchesAnyAnswerDecodedOneFetchAtATime) {
 
 TEST(WebClient, FailsAfterItsAttemptsWhenNoServerAnswers) {
     LocalHttpServer server;
-    LocalHttpServer::Response silent;
-    silent.neverAnswer = true;
-    server.setResponse("/silent", silent);
+    server.setResponse("/silent", {200, {}, {}, true}); // never answers
     QTcpServer probe;
     probe.listen(QHostAddress::LocalHost, 0);
     const QString refused = QString("http://127.0.0.1:%1/x").arg(probe.serverPort());

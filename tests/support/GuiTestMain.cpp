@@ -2,8 +2,6 @@
 
 #include <gtest/gtest.h>
 
-#include <cstdlib>
-
 int main(int argc, char **argv) {
     // Windows are created but never need a display.
     if (qEnvironmentVariableIsEmpty("QT_QPA_PLATFORM")) {

@@ -6,8 +6,6 @@
 #include <QTcpSocket>
 #include <QTimer>
 
-LocalClusterServer::LocalClusterServer(QObject *parent) : LocalClusterServer(0, parent) {}
-
 LocalClusterServer::LocalClusterServer(quint16 port, QObject *parent)
     : QObject(parent), server_(new QTcpServer(this)) {
     server_->listen(QHostAddress::LocalHost, port);

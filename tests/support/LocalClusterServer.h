@@ -15,10 +15,9 @@ class QTcpSocket;
 class LocalClusterServer : public QObject {
     Q_OBJECT
 public:
-    explicit LocalClusterServer(QObject *parent = nullptr);
-    // Listens on the given port (one a test found free), so that a client
-    // retrying there finds a node at last.
-    explicit LocalClusterServer(quint16 port, QObject *parent = nullptr);
+    // Listens on a free port, or on the given one (one a test found free), so
+    // that a client retrying there finds a node at last.
+    explicit LocalClusterServer(quint16 port = 0, QObject *parent = nullptr);
 
     quint16 port() const;
     // Call signs the clients logged in with, in order.

@@ -10,14 +10,8 @@ LocalHttpServer::LocalHttpServer(QObject *parent) : QObject(parent), server_(new
     connect(server_, &QTcpServer::newConnection, this, &LocalHttpServer::onNewConnection);
 }
 
-LocalHttpServer::~LocalHttpServer() = default;
-
-quint16 LocalHttpServer::port() const {
-    return server_->serverPort();
-}
-
 QString LocalHttpServer::url(const QString &path) const {
-    return QStringLiteral("http://127.0.0.1:%1%2").arg(port()).arg(path);
+    return QStringLiteral("http://127.0.0.1:%1%2").arg(server_->serverPort()).arg(path);
 }
 
 void LocalHttpServer::onNewConnection() {
@@ -45,20 +39,11 @@ void LocalHttpServer::onReadyRead(QTcpSocket *socket) {
         }
     }
     counts_[path] += 1;
-    Response response;
-    if (responses_.contains(path)) {
-        response = responses_.value(path);
-    } else {
-        response.status = 404;
-        response.body = "<html><body>not found</body></html>";
-    }
+    const Response response =
+        responses_.value(path, Response{404, "<html><body>not found</body></html>"});
     if (response.neverAnswer) {
         return;
     }
-    answer(socket, response);
-}
-
-void LocalHttpServer::answer(QTcpSocket *socket, const Response &response) {
     QByteArray head = "HTTP/1.1 " + QByteArray::number(response.status) + " Status\r\n";
     head += "Content-Type: " + response.contentType + "\r\n";
     head += "Content-Length: " + QByteArray::number(response.body.size()) + "\r\n";

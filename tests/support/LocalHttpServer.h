@@ -22,19 +22,16 @@ public:
     };
 
     explicit LocalHttpServer(QObject *parent = nullptr);
-    ~LocalHttpServer() override;
 
     void setResponse(const QString &path, const Response &response) { responses_[path] = response; }
     // http://127.0.0.1:PORT + path
     QString url(const QString &path) const;
-    quint16 port() const;
     int requestCount(const QString &path) const { return counts_.value(path); }
     QByteArray lastUserAgent() const { return lastUserAgent_; }
 
 private:
     void onNewConnection();
     void onReadyRead(QTcpSocket *socket);
-    void answer(QTcpSocket *socket, const Response &response);
     void trickle(QTcpSocket *socket, const QByteArray &rest, int gapMs);
 
     QTcpServer *server_;

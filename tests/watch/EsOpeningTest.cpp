@@ -15,27 +15,6 @@ namespace {
 
 using test::EsOpening;
 
-struct Heard {
-    QString square;
-    QString level;
-};
-
-// The alerts of the platform's record, and everything else it recorded.
-std::vector<Heard> alertsOf(const QStringList &log, QStringList &other) {
-    static const QRegularExpression notify(
-        R"(^notify "ZKR_MUF Es watch" "(.+) via (\w{4})( .*)?" -> (shown|unavailable)$)");
-    std::vector<Heard> heard;
-    for (const QString &entry : log) {
-        const auto match = notify.match(entry);
-        if (match.hasMatch()) {
-            heard.push_back({match.captured(2), match.captured(1)});
-        } else if (!entry.startsWith("beep ")) {
-            other.append(entry);
-        }
-    }
-    return heard;
-}
-
 // The whole opening through the feed, the pipeline and the watch on the
 // spots' own clock: every cloud square raises each level at most once and
 // in the order of the levels, each with its beep and nothing else said; the
@@ -59,19 +38,25 @@ TEST(EsOpeningReplay, EachLevelOncePerCloudInOrder) {
     input.open(QIODevice::ReadOnly);
     run.replayClusterText(input);
 
+    static const QRegularExpression notify(
+        R"(^notify "ZKR_MUF Es watch" "(.+) via (\w{4})( .*)?" -> (shown|unavailable)$)");
     QStringList other;
-    const std::vector<Heard> heard = alertsOf(platform.log(), other);
-    EXPECT_EQ(other, QStringList());
-    EXPECT_EQ(platform.log().filter("beep ").size(), qsizetype(heard.size()));
     QHash<QString, QStringList> bySquare;
-    for (const Heard &h : heard) {
-        ASSERT_TRUE(ranked.contains(h.level)) << h.level.toStdString();
-        QStringList &levels = bySquare[h.square];
-        if (!levels.isEmpty()) {
-            EXPECT_LT(ranked.indexOf(levels.last()), ranked.indexOf(h.level))
-                << h.square.toStdString() << " after " << levels.join(", ").toStdString();
+    for (const QString &entry : platform.log()) {
+        const auto match = notify.match(entry);
+        if (match.hasMatch()) {
+            bySquare[match.captured(2)].append(match.captured(1));
+        } else if (!entry.startsWith("beep ")) {
+            other.append(entry);
         }
-        levels.append(h.level);
+    }
+    EXPECT_EQ(other, QStringList());
+    EXPECT_EQ(platform.log().filter("beep ").size() * 2, platform.log().size()); // one per alert
+    // Each square's levels are those of `ranked`, in its order, each once.
+    for (auto it = bySquare.cbegin(); it != bySquare.cend(); ++it) {
+        QStringList inOrder = ranked;
+        inOrder.removeIf([&it](const QString &level) { return !it->contains(level); });
+        EXPECT_EQ(*it, inOrder) << it.key().toStdString();
     }
     for (const EsOpening::Cloud &cloud : opening.clouds) {
         SCOPED_TRACE(cloud.name.toStdString());

@@ -19,8 +19,7 @@ using test::T0;
 // paths raise "rising" at most, a decode at the own station confirms alone.
 TEST(EsWatchLevels, OneSpotHoldsTheLevelsOfItsNumbers) {
     using enum WatchLevel;
-    WatchSettings all;
-    all.band50 = all.band70 = all.band144 = true;
+    const WatchSettings all{.band50 = true, .band70 = true};
     const WatchSettings defaults;
     // clang-format off
     const struct { const char *name; Sighting spot; WatchSettings settings; WatchLevel shown;
@@ -63,9 +62,9 @@ TEST(EsWatchLevels, OneSpotHoldsTheLevelsOfItsNumbers) {
         const bool kept = expected != 0 || QString(c.spot.kind) == "spot";
         ASSERT_EQ(watch.clouds().size(), kept ? 1u : 0u);
         if (kept) {
-            EXPECT_EQ(watch.clouds().front()->square, "JN14");
-            EXPECT_EQ(watch.clouds().front()->level, c.shown);
-            EXPECT_EQ(watch.clouds().front()->levels, expected);
+            const WatchCloud &cloud = *watch.clouds().front();
+            EXPECT_EQ(std::tuple(cloud.square, cloud.level, cloud.levels),
+                      std::tuple(QString("JN14"), c.shown, expected));
         }
     }
 }
@@ -248,22 +247,17 @@ TEST(EsWatchClock, ReplayedSpotsKeepTheirOwnTime) {
     }
 }
 
-// The settings section: defaults alert for 144 MHz only; a written section
-// reads back; unknown words keep the default.
+// The settings section: defaults; a written section reads back; unknown
+// words keep the default.
 TEST(WatchSettingsFile, DefaultsRoundTripAndBadWords) {
     QTemporaryDir folder;
     const QString ini = folder.filePath("zkr_muf.ini");
-    const WatchSettings defaults = WatchSettings::read(ini);
-    EXPECT_EQ(defaults, WatchSettings());
-    EXPECT_TRUE(defaults.enabled(WatchLevel::Open144) && defaults.enabled(WatchLevel::Rising));
-    EXPECT_FALSE(defaults.enabled(WatchLevel::Open50) || defaults.enabled(WatchLevel::Confirmed70));
-    WatchSettings changed;
-    changed.band50 = true;
-    changed.band144 = changed.confirmed = changed.sound = false;
+    EXPECT_EQ(WatchSettings::read(ini), WatchSettings()); // what they enable: WatchAlertsTest
+    const WatchSettings changed{
+        .band50 = true, .band144 = false, .confirmed = false, .sound = false};
     ASSERT_TRUE(changed.write(ini));
     EXPECT_EQ(WatchSettings::read(ini), changed);
-    EXPECT_FALSE(changed.enabled(WatchLevel::Rising) || changed.enabled(WatchLevel::Confirmed50));
-    EXPECT_TRUE(changed.enabled(WatchLevel::Open50));
+    EXPECT_FALSE(changed.enabled(WatchLevel::Confirmed50)); // "confirmed" off
     Ini_Write(WatchSettings::Section, "Band50", "maybe", ini);
     Ini_Write(WatchSettings::Section, "Band70", "ON", ini);
     const WatchSettings read = WatchSettings::read(ini);

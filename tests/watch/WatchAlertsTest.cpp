@@ -12,12 +12,6 @@ namespace {
 // a beep of its level, even without a notification service (then only the
 // strip shows it); its own MUF and elevation rounded as printed.
 TEST(WatchAlerts, NotifyAndSoundThroughThePlatform) {
-    WatchSettings quiet, noRising, sixOnly, noBand;
-    quiet.sound = false;
-    noRising.rising = false;
-    sixOnly.band144 = false;
-    sixOnly.band50 = true;
-    noBand.band144 = false;
     const QString n = "notify \"ZKR_MUF Es watch\" \"%1 via JN14 FOT=152MHz "
                       "AZ=226 EL=4 -> IN83\"";
     const QString rising = n.arg("rising") + " -> shown", open = n.arg("2 m open") + " -> shown",
@@ -28,15 +22,17 @@ TEST(WatchAlerts, NotifyAndSoundThroughThePlatform) {
         QStringList log;
     } cases[] = {
         {{}, true, {rising, "beep 1000 150", open, "beep 1200 150", confirmed, "beep 1400 150"}},
-        {quiet, true, {rising, open, confirmed}},
+        {{.sound = false}, true, {rising, open, confirmed}},
         {{},
          false,
          {n.arg("rising") + " -> unavailable", "beep 1000 150",
           n.arg("2 m open") + " -> unavailable", "beep 1200 150",
           n.arg("confirmed") + " -> unavailable", "beep 1400 150"}},
-        {noRising, true, {open, "beep 1200 150", confirmed, "beep 1400 150"}},
-        {sixOnly, true, {n.arg("6 m open") + " -> shown", "beep 800 150"}},
-        {noBand, true, {}},
+        {{.rising = false}, true, {open, "beep 1200 150", confirmed, "beep 1400 150"}},
+        {{.band50 = true, .band144 = false},
+         true,
+         {n.arg("6 m open") + " -> shown", "beep 800 150"}},
+        {{.band144 = false}, true, {}},
     };
     for (const auto &c : cases) {
         SCOPED_TRACE(&c - &cases[0]);

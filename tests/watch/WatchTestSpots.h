@@ -33,15 +33,13 @@ inline EvaluatedSpot esSpot(const Sighting &s) {
     spot.frequency = s.frequency;
     spot.mode = s.mode;
     spot.received = T0.addSecs(static_cast<qint64>(s.minutes * 60));
-    EsPath es;
-    es.cloud = s.cloud;
-    es.muf = s.muf;
-    es.ownMuf = s.ownMuf;
-    es.elevation = s.elevation;
-    es.ownKm = s.ownKm;
-    es.azimuth = 226;
-    es.far = "IN83KL";
-    spot.es = es;
+    spot.es = EsPath{.cloud = s.cloud,
+                     .muf = s.muf,
+                     .ownMuf = s.ownMuf,
+                     .azimuth = 226,
+                     .elevation = s.elevation,
+                     .far = "IN83KL",
+                     .ownKm = s.ownKm};
     spot.runs = {{QString("DL1AA: %1 EA1BB").arg(s.frequency), 0}, {"\r\n", 0}};
     if (QString(s.kind) == "approximate") {
         spot.approximate =

@@ -21,18 +21,4 @@ TEST(LeadingNumber, ReadsTheNumberAFrequencyColumnBeginsWith) {
     EXPECT_EQ(leadingNumber(QString("0.") + QString(400, '0') + "1"), 0); // too small is 0
 }
 
-TEST(TextFunctions, PositionsCountFromOneAndNeverFail) {
-    const QString t = "ABCDEF";
-    // clang-format off
-    const QStringList got{mid(t, 1, 3), mid(t, 4, 10), mid(t, 7, 1), mid(t, 0, 3), mid(t, 2, -1),
-                          mid(t, 3), mid(t, 7), left(t, 2), left(t, -1), right(t, 2),
-                          trimBlanks(u"  DL1 ABC  "), trimBlanks(u"\tDL1ABC "), trimBlanks(u"  ")};
-    // Case-sensitive, from a start counted from 1, 0 for not found.
-    EXPECT_EQ(QList<int>({inStr(u"DX de DX de", u"DX de"), inStr(u"DX de DX de", u"DX de", 2),
-                          inStr(u"DX de", u"dx de"), inStr(u"DX", u"X", 0)}),
-              QList<int>({1, 7, 0, 0}));
-    // clang-format on
-    EXPECT_EQ(got.join('|'), "ABC|DEF||||CDEF||AB||EF|DL1 ABC|\tDL1ABC|");
-}
-
 } // namespace

@@ -13,11 +13,12 @@
 namespace zkr {
 namespace {
 
-TEST(WsjtxSettings, ReadAndWrite) {
-    const WsjtxSettings shared{false, "0.0.0.0", 2238, "239.255.0.1"};
+// Written by the window's Setup (tested there); read in any case, and
+// unusable values give the defaults.
+TEST(WsjtxSettings, Read) {
     const std::pair<const char *, WsjtxSettings> cases[] = {
         {"[wsjtx]\r\nenabled = OFF \r\nport=2238\r\naddress=0.0.0.0\r\nmulticastgroup=239.255.0.1",
-         shared},
+         {false, "0.0.0.0", 2238, "239.255.0.1"}},
         {"[WSJTX]\nEnabled=maybe\nAddress=\nPort=70000\n[Other]\nEnabled=off\n", {}},
     };
     QTemporaryDir dir;
@@ -25,7 +26,6 @@ TEST(WsjtxSettings, ReadAndWrite) {
     for (const auto &[ini, settings] : cases) {
         ASSERT_TRUE(IniFile(ini).save(path));
         EXPECT_EQ(WsjtxSettings::read(path), settings) << ini;
-        EXPECT_TRUE(shared.write(path) && WsjtxSettings::read(path) == shared);
     }
 }
 

@@ -109,8 +109,9 @@ TEST(ClusterFeed, GivesTheSameSignalsHoweverTheStreamIsCut) {
          lines({"kept"}) + lines({noFrequency}, true) + prompt({})},
         {"the prompt block keeps the newest lines", manyLines + Prompt + "\r\n",
          lines(allKept) + prompt(allKept.mid(5))},
-        {"a spot right after the login request", Prompt + "\r\nlogin: " + Spot1 + "\r\n",
-         prompt({}) + lines({"login: "}) + lines({Spot1}, true)},
+        {"the welcome or a spot right after the login request",
+         Prompt + "\r\nlogin: Hello DL1ABC\r\nlogin: " + Spot1 + "\r\n",
+         prompt({}) + lines({"login: ", "Hello DL1ABC", "login: "}) + lines({Spot1}, true)},
         {"records glued without a line end", Spot1 + Spot2 + Spot1 + "\r\n" + ann + Spot1 + "\n",
          lines({Spot1 + Spot2 + Spot1}) + QStringList{"S:" + Spot1, "S:" + Spot2, "S:" + Spot1} +
              lines({ann + Spot1})},

@@ -13,8 +13,7 @@
 namespace zkr {
 namespace {
 
-// Written by the window's Setup (tested there); read in any case, and
-// unusable values give the defaults.
+// Written through Setup (the window tests); read in any case, bad values as defaults.
 TEST(WsjtxSettings, Read) {
     const std::pair<const char *, WsjtxSettings> cases[] = {
         {"[wsjtx]\r\nenabled = OFF \r\nport=2238\r\naddress=0.0.0.0\r\nmulticastgroup=239.255.0.1",

@@ -16,10 +16,16 @@ using namespace zkr::test;
 
 namespace {
 
+// Spot `i` of the mix, sent this minute, so that the watch counts it.
+QString spotLine(int i) {
+    static const QString now = QDateTime::currentDateTimeUtc().toString(QStringLiteral("HHmm"));
+    return historySpot(i, {}).line.chopped(5) + now + "Z";
+}
+
 QByteArray spotLines(int from, int count) {
     QByteArray bytes;
     for (int i = from; i < from + count; ++i) {
-        bytes += historySpot(i, {}).line.toLatin1().prepend("DX de ") + "\r\n";
+        bytes += spotLine(i).toLatin1().prepend("DX de ") + "\r\n";
     }
     return bytes;
 }
@@ -38,11 +44,12 @@ std::unique_ptr<ProgramRig> startWithHistory(const QString &data) {
 } // namespace
 
 // A decode at the own station over one Es hop: EA7ABC in IM76 heard in JO62QM.
-Reception decodeOf(const char *call, int secondsAgo) {
+// On 2 m it confirms the band, which the watch announces by default.
+Reception decodeOf(const char *call, int secondsAgo, double frequencyMhz = 50.3142) {
     Reception report;
     report.time = QDateTime::currentDateTimeUtc().addSecs(-secondsAgo);
     report.time = report.time.addMSecs(-report.time.time().msec());
-    report.frequencyMhz = 50.3142;
+    report.frequencyMhz = frequencyMhz;
     report.mode = "FT8";
     report.tx = {call, "IM76"};
     report.rx = {"DL1ABC", "JO62QM"};
@@ -59,7 +66,7 @@ TEST(HistoryWindowTest, RestartShowsWhatWasStoredAndLiveSpotsOnTop) {
     {
         auto first = startWithHistory(data.path());
         first->window.sources().applyAnalysisSettings(); // no file chosen: no settings yet
-        Q_EMIT first->window.reports().wsjtx().reception(decodeOf("EA7ABC", 60));
+        Q_EMIT first->window.reports().wsjtx().reception(decodeOf("EA7ABC", 60, 144.174));
         first->window.sources().session().feed().receive(spotLines(0, 40));
         ASSERT_TRUE(waitFor([&] { return first->window.workingPane(0).lineCount() >= 40; }));
         for (int i = 0; i < 4; ++i) {
@@ -90,7 +97,7 @@ TEST(HistoryWindowTest, RestartShowsWhatWasStoredAndLiveSpotsOnTop) {
     EXPECT_EQ(second->platform.log().filter("notify"), QStringList());   // not their alerts
     second->window.sources().session().feed().receive(spotLines(40, 1));
     ASSERT_TRUE(waitFor([&] { return second->window.workingPane(0).lineCount() == 41; }));
-    EXPECT_TRUE(second->pane(0).startsWith(historySpot(40, {}).line))
+    EXPECT_TRUE(second->pane(0).startsWith(spotLine(40)))
         << second->pane(0).toStdString();
     EXPECT_TRUE(second->pane(0).endsWith(shown)) << second->pane(0).toStdString();
 }

@@ -137,11 +137,6 @@ TEST(Startup, OwnCallAndCommandLineChooseModeClusterAndSource) {
         EXPECT_EQ(rig.platform.log(),
                   c.refused ? QStringList({Beep, refusal.arg(c.commandLine)}) : QStringList());
     }
-    // The console's Connect runs start-up again: the chosen mode stays.
-    StartupRig rig(storedFile("DL1ABC"));
-    rig.state.RunMode = Web;
-    rig.start();
-    EXPECT_EQ(rig.state.RunMode, Web);
 }
 
 TEST(Startup, PlacesTheWindowAndSelectsTheTabSaved) {

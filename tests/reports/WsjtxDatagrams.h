@@ -40,7 +40,7 @@ inline QByteArray status(const char *id, quint64 dialHz, const char *call, const
     return tail > 1 ? d << ~0u << ~0u << "Default" << none : d;
 }
 
-// A decode flagged new, low confidence, off air.
+// A decode; `flags` are WSJT-X's new, low confidence and off air, in that order.
 inline QByteArray decode(const char *id, QTime time, qint32 snr, quint32 audioHz,
                          const char *message, std::array<bool, 3> flags = {true, false, false}) {
     return Datagram(2, id) << flags[0] << time << snr << 0.2 << audioHz << "~" << message

@@ -4,7 +4,6 @@
 #include <QApplication>
 #include <QClipboard>
 #include <QDBusConnection>
-#include <QDBusConnectionInterface>
 #include <QDBusMessage>
 #include <QDBusPendingCallWatcher>
 #include <QDBusPendingReply>
@@ -237,20 +236,37 @@ void QtPlatform::setNotificationBus(const QDBusConnection &bus) {
 }
 
 bool QtPlatform::notificationServiceAvailable() {
+    constexpr int AskAgainMs = 60 * 1000;
+    constexpr int WaitMs = 20;
     if (!bus_) {
         bus_ = std::make_unique<QDBusConnection>(QDBusConnection::sessionBus());
     }
-    const QDBusConnectionInterface *daemon = bus_->isConnected() ? bus_->interface() : nullptr;
-    if (daemon == nullptr) {
+    if (serviceAsked_.isValid() && serviceAsked_.elapsed() < AskAgainMs) {
+        return serviceAvailable_;
+    }
+    serviceAsked_.start();
+    serviceAvailable_ = false;
+    if (!bus_->isConnected()) {
         return false;
     }
+    const auto askDaemon = [this](const QString &method) {
+        QDBusMessage ask = QDBusMessage::createMethodCall(
+            QStringLiteral("org.freedesktop.DBus"), QStringLiteral("/org/freedesktop/DBus"),
+            QStringLiteral("org.freedesktop.DBus"), method);
+        if (method == QLatin1String("NameHasOwner")) {
+            ask << NotificationService;
+        }
+        return bus_->call(ask, QDBus::Block, WaitMs);
+    };
     // A service the bus starts on the first call counts too.
-    const QDBusReply<bool> running = daemon->isServiceRegistered(NotificationService);
+    const QDBusReply<bool> running = askDaemon(QStringLiteral("NameHasOwner"));
     if (running.isValid() && running.value()) {
-        return true;
+        serviceAvailable_ = true;
+    } else if (running.isValid()) {
+        const QDBusReply<QStringList> startable = askDaemon(QStringLiteral("ListActivatableNames"));
+        serviceAvailable_ = startable.isValid() && startable.value().contains(NotificationService);
     }
-    const QDBusReply<QStringList> startable = daemon->activatableServiceNames();
-    return startable.isValid() && startable.value().contains(NotificationService);
+    return serviceAvailable_;
 }
 
 bool QtPlatform::notify(const QString &title, const QString &text) {
@@ -300,6 +316,7 @@ void QtPlatform::sendNotification(const QString &title, const QString &text) {
                      [this, watcher, title, text] {
                          watcher->deleteLater();
                          if (watcher->isError()) {
+                             serviceAsked_.invalidate();
                              trayMessage(title, text);
                          }
                      });

@@ -2,6 +2,7 @@
 
 #include "Platform.h"
 
+#include <QElapsedTimer>
 #include <QStringList>
 
 #include <memory>
@@ -53,12 +54,17 @@ public:
 private:
     // Moves the box where the last arming asked, once it is shown.
     void placeWhenShown(QDialog &box);
+    // Asked of the bus daemon at most once a minute (again at once after a
+    // failed notification), each question waited for 20 ms at most: a hung
+    // session bus must not hold the window.
     bool notificationServiceAvailable();
     // Sends the notification; the tray shows it if the service fails.
     void sendNotification(const QString &title, const QString &text);
     bool trayMessage(const QString &title, const QString &text);
 
     std::unique_ptr<QDBusConnection> bus_;
+    QElapsedTimer serviceAsked_;
+    bool serviceAvailable_ = false;
     // Whether the service reads markup in a body, asked once; until then
     // notifications wait.
     enum class Markup { Unknown, Asked, Yes, No } markup_ = Markup::Unknown;

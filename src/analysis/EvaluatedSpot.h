@@ -1,6 +1,7 @@
 #pragma once
 
 #include <QDateTime>
+#include <QLatin1StringView>
 #include <QList>
 #include <QMetaType>
 #include <QString>
@@ -35,6 +36,8 @@ struct EsPath {
 
 // Where a cluster spot came from.
 enum class SpotSource : quint8 { Cluster, File, Web };
+// "cluster", "file", "web": as the JSON lines, the map and the history say it.
+QLatin1StringView spotSourceName(SpotSource source);
 
 // How one end of a path was located.
 enum class Located : quint8 {
@@ -42,6 +45,8 @@ enum class Located : quint8 {
     CallBook, // the call's locator, learned from reports and spots
     Country,  // the position of the call's country
 };
+// "comment", "callbook", "country".
+QLatin1StringView locatedName(Located how);
 
 // A path for a spot whose comment did not name both ends, found through the
 // call book or the country file. It is approximate: the panes never print

@@ -97,6 +97,30 @@ EvaluatedSpot SpotEvaluator::evaluateWebLine(QStringView pageLine) const {
     return std::move(work.spot);
 }
 
+QLatin1StringView spotSourceName(SpotSource source) {
+    switch (source) {
+    case SpotSource::Cluster:
+        return QLatin1StringView("cluster");
+    case SpotSource::File:
+        return QLatin1StringView("file");
+    case SpotSource::Web:
+        return QLatin1StringView("web");
+    }
+    return {};
+}
+
+QLatin1StringView locatedName(Located how) {
+    switch (how) {
+    case Located::Comment:
+        return QLatin1StringView("comment");
+    case Located::CallBook:
+        return QLatin1StringView("callbook");
+    case Located::Country:
+        return QLatin1StringView("country");
+    }
+    return {};
+}
+
 QDateTime EvaluatedSpot::spotTimeUtc() const {
     const QString digits = time.trimmed();
     bool hoursOk = false;

@@ -195,9 +195,9 @@ void appendEnd(QByteArray &out, const char *name, QStringView locator, Located h
     out += name;
     out += "\":{\"locator\":";
     appendJsonString(out, locator);
-    out += how == Located::CallBook  ? ",\"located\":\"callbook\"}"
-           : how == Located::Country ? ",\"located\":\"country\"}"
-                                     : ",\"located\":\"comment\"}";
+    out += ",\"located\":\"";
+    out += locatedName(how);
+    out += "\"}";
 }
 
 // The text, or null for none.
@@ -266,9 +266,9 @@ void Write_ReportJson(QByteArray &out, const Reception &report) {
 }
 
 void Write_SpotJson(QByteArray &out, const EvaluatedSpot &spot) {
-    out += spot.source == SpotSource::Web    ? "{\"source\":\"web\",\"time\":"
-           : spot.source == SpotSource::File ? "{\"source\":\"file\",\"time\":"
-                                             : "{\"source\":\"cluster\",\"time\":";
+    out += "{\"source\":\"";
+    out += spotSourceName(spot.source);
+    out += "\",\"time\":";
     appendJsonString(out, spot.time);
     QStringView spotter(spot.spotter);
     if (spotter.endsWith(QLatin1Char(':'))) {

@@ -71,18 +71,6 @@ QString locatorCell(const QString &locator) {
     return locator.endsWith(QLatin1String("??")) ? locator.chopped(2) : locator;
 }
 
-QLatin1String locatedName(Located how) {
-    switch (how) {
-    case Located::Comment:
-        return QLatin1String("comment");
-    case Located::CallBook:
-        return QLatin1String("callbook");
-    case Located::Country:
-        return QLatin1String("country");
-    }
-    return {};
-}
-
 // What a cell is made from: a spot and the name of its source, or a report.
 struct Row {
     const EvaluatedSpot *spot = nullptr;

@@ -68,18 +68,6 @@ struct Evidence {
     }
 };
 
-QString spotSourceName(SpotSource source) {
-    switch (source) {
-    case SpotSource::Cluster:
-        return QStringLiteral("cluster");
-    case SpotSource::File:
-        return QStringLiteral("file");
-    case SpotSource::Web:
-        return QStringLiteral("web");
-    }
-    return QString();
-}
-
 QString megahertz(double mhz) {
     return QString::number(mhz, 'f', 3);
 }
